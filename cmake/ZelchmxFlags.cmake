@@ -1,0 +1,20 @@
+# Compiler and linker settings. `zelchmx_warnings` is for every target; `zelchmx_runtime` is for the
+# two libraries themselves, which use no exceptions, no RTTI and no C++ runtime library.
+
+add_library(zelchmx_warnings INTERFACE)
+target_compile_options(zelchmx_warnings INTERFACE -Wall -Wextra -Wshadow
+    $<$<COMPILE_LANGUAGE:CXX>:-Wconversion>)
+
+add_library(zelchmx_runtime INTERFACE)
+target_compile_options(zelchmx_runtime INTERFACE
+    $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>
+    -fvisibility=hidden -fvisibility-inlines-hidden -fno-plt -ffunction-sections -fdata-sections)
+target_link_options(zelchmx_runtime INTERFACE
+    -Wl,-z,relro,-z,now -Wl,-z,noexecstack -Wl,-z,text -Wl,--gc-sections)
+
+if(ZELCHMX_SANITIZE)
+    add_compile_options(-fsanitize=${ZELCHMX_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    add_link_options(-fsanitize=${ZELCHMX_SANITIZE})
+else()
+    target_link_options(zelchmx_runtime INTERFACE -Wl,--no-undefined)
+endif()
