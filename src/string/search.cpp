@@ -1,0 +1,152 @@
+// The exported search functions. Every member checks its pointers, then its lengths, then stores
+// -1, so that a successful call always leaves a defined index; finding nothing is a success.
+#include "string/search.h"
+
+#include "core/checks.h"
+#include "zelchmx.h"
+
+namespace {
+
+using namespace zel;
+
+template <typename T>
+ZelStatus find(const T* src, int len, const T* pattern, int lenPattern, int* index) {
+    if (anyNull(src, pattern, index)) return zelStatusNullPointer;
+    if (anyNegative(len, lenPattern)) return zelStatusLengthError;
+    *index = kNotFound;
+    *index = findString(src, len, pattern, lenPattern);
+    return zelStatusOk;
+}
+
+template <typename T>
+ZelStatus findRev(const T* src, int len, const T* pattern, int lenPattern, int* index) {
+    if (anyNull(src, pattern, index)) return zelStatusNullPointer;
+    if (anyNegative(len, lenPattern)) return zelStatusLengthError;
+    *index = kNotFound;
+    *index = findStringRev(src, len, pattern, lenPattern);
+    return zelStatusOk;
+}
+
+template <typename T>
+ZelStatus findC(const T* src, int len, T val, int* index) {
+    if (anyNull(src, index)) return zelStatusNullPointer;
+    if (anyNegative(len)) return zelStatusLengthError;
+    *index = kNotFound;
+    *index = findElement(src, len, val);
+    return zelStatusOk;
+}
+
+template <typename T>
+ZelStatus findRevC(const T* src, int len, T val, int* index) {
+    if (anyNull(src, index)) return zelStatusNullPointer;
+    if (anyNegative(len)) return zelStatusLengthError;
+    *index = kNotFound;
+    *index = findElementRev(src, len, val);
+    return zelStatusOk;
+}
+
+template <typename T>
+ZelStatus findCAny(const T* src, int len, const T* set, int lenSet, int* index) {
+    if (anyNull(src, set, index)) return zelStatusNullPointer;
+    if (anyNegative(len, lenSet)) return zelStatusLengthError;
+    *index = kNotFound;
+    *index = findAnyOf(src, len, set, lenSet);
+    return zelStatusOk;
+}
+
+template <typename T>
+ZelStatus findRevCAny(const T* src, int len, const T* set, int lenSet, int* index) {
+    if (anyNull(src, set, index)) return zelStatusNullPointer;
+    if (anyNegative(len, lenSet)) return zelStatusLengthError;
+    *index = kNotFound;
+    *index = findAnyOfRev(src, len, set, lenSet);
+    return zelStatusOk;
+}
+
+// A string too long for a length measures -1, which the member called then reports.
+template <typename T>
+ZelStatus findZ(const T* srcZ, const T* patternZ, int* index) {
+    if (anyNull(srcZ, patternZ)) return zelStatusNullPointer;
+    return find(srcZ, measure(srcZ), patternZ, measure(patternZ), index);
+}
+
+template <typename T>
+ZelStatus findCZ(const T* srcZ, T val, int* index) {
+    if (anyNull(srcZ)) return zelStatusNullPointer;
+    return findC(srcZ, measure(srcZ), val, index);
+}
+
+}  // namespace
+
+extern "C" {
+
+ZelStatus zelsFind_8u(const Zel8u* pSrc, int len, const Zel8u* pFind, int lenFind, int* pIndex) {
+    return find(pSrc, len, pFind, lenFind, pIndex);
+}
+
+ZelStatus zelsFind_16u(const Zel16u* pSrc, int len, const Zel16u* pFind, int lenFind, int* pIndex) {
+    return find(pSrc, len, pFind, lenFind, pIndex);
+}
+
+ZelStatus zelsFindRev_8u(const Zel8u* pSrc, int len, const Zel8u* pFind, int lenFind, int* pIndex) {
+    return findRev(pSrc, len, pFind, lenFind, pIndex);
+}
+
+ZelStatus zelsFindRev_16u(const Zel16u* pSrc, int len, const Zel16u* pFind, int lenFind,
+                          int* pIndex) {
+    return findRev(pSrc, len, pFind, lenFind, pIndex);
+}
+
+ZelStatus zelsFindC_8u(const Zel8u* pSrc, int len, Zel8u valFind, int* pIndex) {
+    return findC(pSrc, len, valFind, pIndex);
+}
+
+ZelStatus zelsFindC_16u(const Zel16u* pSrc, int len, Zel16u valFind, int* pIndex) {
+    return findC(pSrc, len, valFind, pIndex);
+}
+
+ZelStatus zelsFindRevC_8u(const Zel8u* pSrc, int len, Zel8u valFind, int* pIndex) {
+    return findRevC(pSrc, len, valFind, pIndex);
+}
+
+ZelStatus zelsFindRevC_16u(const Zel16u* pSrc, int len, Zel16u valFind, int* pIndex) {
+    return findRevC(pSrc, len, valFind, pIndex);
+}
+
+ZelStatus zelsFindCAny_8u(const Zel8u* pSrc, int len, const Zel8u* pAnyOf, int lenAnyOf,
+                          int* pIndex) {
+    return findCAny(pSrc, len, pAnyOf, lenAnyOf, pIndex);
+}
+
+ZelStatus zelsFindCAny_16u(const Zel16u* pSrc, int len, const Zel16u* pAnyOf, int lenAnyOf,
+                           int* pIndex) {
+    return findCAny(pSrc, len, pAnyOf, lenAnyOf, pIndex);
+}
+
+ZelStatus zelsFindRevCAny_8u(const Zel8u* pSrc, int len, const Zel8u* pAnyOf, int lenAnyOf,
+                             int* pIndex) {
+    return findRevCAny(pSrc, len, pAnyOf, lenAnyOf, pIndex);
+}
+
+ZelStatus zelsFindRevCAny_16u(const Zel16u* pSrc, int len, const Zel16u* pAnyOf, int lenAnyOf,
+                              int* pIndex) {
+    return findRevCAny(pSrc, len, pAnyOf, lenAnyOf, pIndex);
+}
+
+ZelStatus zelsFind_Z_8u(const Zel8u* pSrcZ, const Zel8u* pFindZ, int* pIndex) {
+    return findZ(pSrcZ, pFindZ, pIndex);
+}
+
+ZelStatus zelsFind_Z_16u(const Zel16u* pSrcZ, const Zel16u* pFindZ, int* pIndex) {
+    return findZ(pSrcZ, pFindZ, pIndex);
+}
+
+ZelStatus zelsFindC_Z_8u(const Zel8u* pSrcZ, Zel8u valFind, int* pIndex) {
+    return findCZ(pSrcZ, valFind, pIndex);
+}
+
+ZelStatus zelsFindC_Z_16u(const Zel16u* pSrcZ, Zel16u valFind, int* pIndex) {
+    return findCZ(pSrcZ, valFind, pIndex);
+}
+
+}  // extern "C"

@@ -1,0 +1,122 @@
+// UTF-8 to UTF-16 and back. The loops follow the decode rule of utf8.h one character at a time; the
+// way they end, with a test for exactly zero, is part of the interface.
+#include "string/utf_convert.h"
+
+#include "core/checks.h"
+#include "string/utf8.h"
+#include "zelchmx.h"
+
+namespace zel {
+
+namespace {
+
+// A sequence is read as long as it says it is, not only up to the end of the source.
+constexpr long kUnboundedSequence = 6;
+
+constexpr bool isHighSurrogate(int unit) {
+    return (unit & 0xFC00) == 0xD800;
+}
+constexpr bool isLowSurrogate(int unit) {
+    return (unit & 0xFC00) == 0xDC00;
+}
+
+// Writes one value as one or two units and returns their number. With swapBytes a single unit loses
+// its high byte and a pair changes its order instead of its bytes; callers depend on both.
+int putUtf16(int value, Zel16u* dst, bool swapBytes) {
+    if (value <= 0xFFFF) {
+        dst[0] = static_cast<Zel16u>(swapBytes ? value << 8 : value);
+        return 1;
+    }
+    const int offset = value - 0x10000;
+    const Zel16u high = static_cast<Zel16u>(0xD800 | ((offset >> 10) & 0x3FF));
+    const Zel16u low = static_cast<Zel16u>(0xDC00 | (offset & 0x3FF));
+    dst[0] = swapBytes ? low : high;
+    dst[1] = swapBytes ? high : low;
+    return 2;
+}
+
+// Number of bytes of a value's sequence.
+int utf8Size(int value) {
+    int continuation = 0;
+    while (value > UTF8_table1[continuation]) ++continuation;
+    return continuation + 1;
+}
+
+// Writes a value's sequence of `size` bytes.
+void putUtf8(int value, int size, Zel8u* dst) {
+    for (int i = size - 1; i > 0; --i) {
+        dst[i] = static_cast<Zel8u>(0x80 | (value & 0x3F));
+        value >>= 6;
+    }
+    dst[0] = static_cast<Zel8u>(value | UTF8_table2[size - 1]);
+}
+
+int readUnit(const Zel16u* p, bool swapBytes) {
+    return swapBytes ? __builtin_bswap16(*p) : *p;
+}
+
+}  // namespace
+
+Converted convertUtf8To16(const Zel8u* src, int srcLen, Zel16u* dst, int dstLen, bool swapBytes) {
+    long remaining = srcLen;
+    long room = dstLen;
+    while (remaining != 0 && room != 0) {
+        const Utf8Char c = decodeUtf8(src, kUnboundedSequence);
+        const int units = putUtf16(c.value, dst, swapBytes);
+        src += c.length;
+        remaining -= c.length;
+        dst += units;
+        room -= units;
+    }
+    return {static_cast<int>(srcLen - remaining), static_cast<int>(dstLen - room)};
+}
+
+Converted convertUtf16To8(const Zel16u* src, int srcLen, Zel8u* dst, int dstLen, bool swapBytes) {
+    long remaining = srcLen;
+    long room = dstLen;
+    while (remaining != 0 && room != 0) {
+        int value = readUnit(src, swapBytes);
+        int units = 1;
+        if (isHighSurrogate(value) && remaining != 1) {
+            const int next = readUnit(src + 1, swapBytes);
+            if (isLowSurrogate(next)) {
+                value = (((value & 0x3FF) << 10) | (next & 0x3FF)) + 0x10000;
+                units = 2;
+            }
+        }
+        const int size = utf8Size(value);
+        if (size > room) break;
+        putUtf8(value, size, dst);
+        src += units;
+        remaining -= units;
+        dst += size;
+        room -= size;
+    }
+    return {static_cast<int>(srcLen - remaining), static_cast<int>(dstLen - room)};
+}
+
+}  // namespace zel
+
+extern "C" {
+
+ZelStatus zelsConvertUTF_8u16u(const Zel8u* pSrc, int* pSrcLen, Zel16u* pDst, int* pDstLen,
+                               int swapBytes) {
+    if (zel::anyNull(pSrc, pSrcLen, pDst, pDstLen)) return zelStatusNullPointer;
+    const zel::Converted done =
+        zel::convertUtf8To16(pSrc, *pSrcLen, pDst, *pDstLen, swapBytes != 0);
+    *pSrcLen = done.consumed;
+    *pDstLen = done.written;
+    return zelStatusOk;
+}
+
+ZelStatus zelsConvertUTF_16u8u(const Zel16u* pSrc, int* pSrcLen, Zel8u* pDst, int* pDstLen,
+                               int swapBytes) {
+    if (zel::anyNull(pSrc, pSrcLen, pDst, pDstLen)) return zelStatusNullPointer;
+    const zel::Converted done =
+        zel::convertUtf16To8(pSrc, *pSrcLen, pDst, *pDstLen, swapBytes != 0);
+    *pSrcLen = done.consumed;
+    *pDstLen = done.written;
+    return zelStatusOk;
+}
+
+}  // extern "C"
