@@ -14,7 +14,7 @@ namespace zel {
 /// address is exact, a copy to a higher one inside the source repeats the leading bytes.
 /// The count is 64 bits wide because 2^31 - 1 elements of 16 bits need it. Returns dst.
 inline Zel8u* ownsCopy_8u(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
-    if (n < 1) return dst;
+    if (n < 1 || src == dst) return dst;
     const bool repeats = src < dst && dst < src + n;
     if (!repeats) {
         memmove(dst, src, static_cast<size_t>(n));

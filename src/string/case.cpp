@@ -1,0 +1,72 @@
+// The exported case conversions: a table rule for 16-bit strings, an ASCII rule for both widths.
+// The in-place members are the others with the source as destination.
+#include "string/case.h"
+
+#include "core/checks.h"
+#include "zelchmx.h"
+
+namespace {
+
+using namespace zel;
+
+template <typename Rule, typename T>
+ZelStatus convert(const T* src, T* dst, int len) {
+    if (anyNull(src, dst)) return zelStatusNullPointer;
+    if (anyNegative(len)) return zelStatusLengthError;
+    convertCase(src, dst, len, Rule{});
+    return zelStatusOk;
+}
+
+}  // namespace
+
+extern "C" {
+
+ZelStatus zelsUppercase_16u(const Zel16u* pSrc, Zel16u* pDst, int len) {
+    return convert<ToUpperByTable>(pSrc, pDst, len);
+}
+
+ZelStatus zelsUppercase_16u_I(Zel16u* pSrcDst, int len) {
+    return convert<ToUpperByTable>(pSrcDst, pSrcDst, len);
+}
+
+ZelStatus zelsLowercase_16u(const Zel16u* pSrc, Zel16u* pDst, int len) {
+    return convert<ToLowerByTable>(pSrc, pDst, len);
+}
+
+ZelStatus zelsLowercase_16u_I(Zel16u* pSrcDst, int len) {
+    return convert<ToLowerByTable>(pSrcDst, pSrcDst, len);
+}
+
+ZelStatus zelsUppercaseLatin_8u(const Zel8u* pSrc, Zel8u* pDst, int len) {
+    return convert<ToUpperLatin>(pSrc, pDst, len);
+}
+
+ZelStatus zelsUppercaseLatin_16u(const Zel16u* pSrc, Zel16u* pDst, int len) {
+    return convert<ToUpperLatin>(pSrc, pDst, len);
+}
+
+ZelStatus zelsUppercaseLatin_8u_I(Zel8u* pSrcDst, int len) {
+    return convert<ToUpperLatin>(pSrcDst, pSrcDst, len);
+}
+
+ZelStatus zelsUppercaseLatin_16u_I(Zel16u* pSrcDst, int len) {
+    return convert<ToUpperLatin>(pSrcDst, pSrcDst, len);
+}
+
+ZelStatus zelsLowercaseLatin_8u(const Zel8u* pSrc, Zel8u* pDst, int len) {
+    return convert<ToLowerLatin>(pSrc, pDst, len);
+}
+
+ZelStatus zelsLowercaseLatin_16u(const Zel16u* pSrc, Zel16u* pDst, int len) {
+    return convert<ToLowerLatin>(pSrc, pDst, len);
+}
+
+ZelStatus zelsLowercaseLatin_8u_I(Zel8u* pSrcDst, int len) {
+    return convert<ToLowerLatin>(pSrcDst, pSrcDst, len);
+}
+
+ZelStatus zelsLowercaseLatin_16u_I(Zel16u* pSrcDst, int len) {
+    return convert<ToLowerLatin>(pSrcDst, pSrcDst, len);
+}
+
+}  // extern "C"

@@ -1,0 +1,60 @@
+// The exported hashes.
+#include "string/hash.h"
+
+#include "core/checks.h"
+#include "zelchmx.h"
+
+namespace {
+
+using namespace zel;
+
+template <typename T>
+using Formula = Zel32u (*)(const T* src, int len);
+
+// The two families that go on over zero elements store 0 before they start.
+template <typename T>
+ZelStatus hash(Formula<T> formula, const T* src, int len, Zel32u* hashVal) {
+    if (anyNull(src, hashVal)) return zelStatusNullPointer;
+    if (anyNegative(len)) return zelStatusLengthError;
+    *hashVal = 0;
+    *hashVal = formula(src, len);
+    return zelStatusOk;
+}
+
+template <typename T>
+ZelStatus hashUpToZero(Formula<T> formula, const T* src, int len, Zel32u* hashVal) {
+    if (anyNull(src, hashVal)) return zelStatusNullPointer;
+    if (anyNegative(len)) return zelStatusLengthError;
+    *hashVal = formula(src, len);
+    return zelStatusOk;
+}
+
+}  // namespace
+
+extern "C" {
+
+ZelStatus zelsHash_8u32u(const Zel8u* pSrc, int len, Zel32u* pHashVal) {
+    return hash(hashShift<Zel8u>, pSrc, len, pHashVal);
+}
+
+ZelStatus zelsHash_16u32u(const Zel16u* pSrc, int len, Zel32u* pHashVal) {
+    return hash(hashShift<Zel16u>, pSrc, len, pHashVal);
+}
+
+ZelStatus zelsHashSJ2_8u32u(const Zel8u* pSrc, int len, Zel32u* pHashVal) {
+    return hash(hashSJ2<Zel8u>, pSrc, len, pHashVal);
+}
+
+ZelStatus zelsHashSJ2_16u32u(const Zel16u* pSrc, int len, Zel32u* pHashVal) {
+    return hash(hashSJ2<Zel16u>, pSrc, len, pHashVal);
+}
+
+ZelStatus zelsHashMSCS_8u32u(const Zel8u* pSrc, int len, Zel32u* pHashVal) {
+    return hashUpToZero(hashMSCS<Zel8u>, pSrc, len, pHashVal);
+}
+
+ZelStatus zelsHashMSCS_16u32u(const Zel16u* pSrc, int len, Zel32u* pHashVal) {
+    return hashUpToZero(hashMSCS<Zel16u>, pSrc, len, pHashVal);
+}
+
+}  // extern "C"

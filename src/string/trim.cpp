@@ -1,0 +1,97 @@
+// The exported trims. The kept part is found from both ends, its length stored, and the part copied
+// forward to a destination that may be the source itself: the copy never goes to a higher address.
+#include "string/trim.h"
+
+#include "core/checks.h"
+#include "core/memory.h"
+#include "zelchmx.h"
+
+namespace {
+
+using namespace zel;
+
+enum Ends { kStart = 1, kEnd = 2, kBothEnds = kStart | kEnd };
+
+template <Ends ends, typename T, typename Trimmed>
+void trim(const T* src, int len, Trimmed trimmed, T* dst, int* dstLen) {
+    const int first = ends & kStart ? trimmed.firstKept(src, len) : 0;
+    const int kept = ends & kEnd ? trimmed.lastKept(src + first, len - first) + 1 : len - first;
+    *dstLen = kept;
+    copyElements(src + first, dst, kept);
+}
+
+template <typename T>
+ZelStatus trimC(const T* src, int len, T val, T* dst, int* dstLen) {
+    if (anyNull(src, dst, dstLen)) return zelStatusNullPointer;
+    if (anyNegative(len)) return zelStatusLengthError;
+    trim<kBothEnds>(src, len, TrimElement<T>{val}, dst, dstLen);
+    return zelStatusOk;
+}
+
+template <typename T>
+ZelStatus trimCInPlace(T* srcDst, int* srcDstLen, T val) {
+    if (anyNull(srcDst, srcDstLen)) return zelStatusNullPointer;
+    if (anyNegative(*srcDstLen)) return zelStatusLengthError;
+    trim<kBothEnds>(srcDst, *srcDstLen, TrimElement<T>{val}, srcDst, srcDstLen);
+    return zelStatusOk;
+}
+
+template <Ends ends, typename T>
+ZelStatus trimCAny(const T* src, int len, const T* set, int lenSet, T* dst, int* dstLen) {
+    if (anyNull(src, dst, set, dstLen)) return zelStatusNullPointer;
+    if (anyNegative(len, lenSet)) return zelStatusLengthError;
+    trim<ends>(src, len, TrimAnyOf<T>{set, lenSet}, dst, dstLen);
+    return zelStatusOk;
+}
+
+}  // namespace
+
+extern "C" {
+
+ZelStatus zelsTrimC_8u(const Zel8u* pSrc, int len, Zel8u valTrim, Zel8u* pDst, int* pDstLen) {
+    return trimC(pSrc, len, valTrim, pDst, pDstLen);
+}
+
+ZelStatus zelsTrimC_16u(const Zel16u* pSrc, int len, Zel16u valTrim, Zel16u* pDst, int* pDstLen) {
+    return trimC(pSrc, len, valTrim, pDst, pDstLen);
+}
+
+ZelStatus zelsTrimC_8u_I(Zel8u* pSrcDst, int* pSrcDstLen, Zel8u valTrim) {
+    return trimCInPlace(pSrcDst, pSrcDstLen, valTrim);
+}
+
+ZelStatus zelsTrimC_16u_I(Zel16u* pSrcDst, int* pSrcDstLen, Zel16u valTrim) {
+    return trimCInPlace(pSrcDst, pSrcDstLen, valTrim);
+}
+
+ZelStatus zelsTrimCAny_8u(const Zel8u* pSrc, int len, const Zel8u* pTrim, int lenTrim, Zel8u* pDst,
+                          int* pDstLen) {
+    return trimCAny<kBothEnds>(pSrc, len, pTrim, lenTrim, pDst, pDstLen);
+}
+
+ZelStatus zelsTrimCAny_16u(const Zel16u* pSrc, int len, const Zel16u* pTrim, int lenTrim,
+                           Zel16u* pDst, int* pDstLen) {
+    return trimCAny<kBothEnds>(pSrc, len, pTrim, lenTrim, pDst, pDstLen);
+}
+
+ZelStatus zelsTrimStartCAny_8u(const Zel8u* pSrc, int len, const Zel8u* pTrim, int lenTrim,
+                               Zel8u* pDst, int* pDstLen) {
+    return trimCAny<kStart>(pSrc, len, pTrim, lenTrim, pDst, pDstLen);
+}
+
+ZelStatus zelsTrimStartCAny_16u(const Zel16u* pSrc, int len, const Zel16u* pTrim, int lenTrim,
+                                Zel16u* pDst, int* pDstLen) {
+    return trimCAny<kStart>(pSrc, len, pTrim, lenTrim, pDst, pDstLen);
+}
+
+ZelStatus zelsTrimEndCAny_8u(const Zel8u* pSrc, int len, const Zel8u* pTrim, int lenTrim,
+                             Zel8u* pDst, int* pDstLen) {
+    return trimCAny<kEnd>(pSrc, len, pTrim, lenTrim, pDst, pDstLen);
+}
+
+ZelStatus zelsTrimEndCAny_16u(const Zel16u* pSrc, int len, const Zel16u* pTrim, int lenTrim,
+                              Zel16u* pDst, int* pDstLen) {
+    return trimCAny<kEnd>(pSrc, len, pTrim, lenTrim, pDst, pDstLen);
+}
+
+}  // extern "C"
