@@ -1,0 +1,216 @@
+#include "harness.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <regex>
+
+namespace bench {
+namespace {
+
+// A contestant that needs longer than this for one pass over a row's input is not repeated: the
+// verified pass is its one sample.
+constexpr double kSlowPassSeconds = 0.25;
+
+// Keeps the repetitions' times and prints nothing.
+class Collector : public benchmark::BenchmarkReporter {
+public:
+    bool ReportContext(const Context&) override { return true; }
+    void ReportRuns(const std::vector<Run>& runs) override {
+        for (const Run& run : runs) {
+            if (run.run_type != Run::RT_Iteration || run.error_occurred) continue;
+            const double iterations = static_cast<double>(run.iterations);
+            seconds[run.run_name.function_name].push_back(
+                {run.cpu_accumulated_time / iterations, run.real_accumulated_time / iterations});
+        }
+    }
+
+    struct Times {
+        double cpu;
+        double wall;
+    };
+    std::map<std::string, std::vector<Times>> seconds;
+};
+
+const char* kindName(Kind kind) {
+    switch (kind) {
+        case Kind::Library:
+            return "library";
+        case Kind::Package:
+            return "package";
+        case Kind::Loop:
+            return "loop";
+        case Kind::Ceiling:
+            return "ceiling";
+    }
+    return "";
+}
+
+std::string fullName(const Row& row) {
+    std::string name = row.family;
+    if (!row.variant.empty()) name += ", " + row.variant;
+    if (!row.size.empty()) name += ", " + row.size;
+    return name;
+}
+
+bool takeOption(const char* argument, const char* option, std::string& value) {
+    const std::size_t length = std::strlen(option);
+    if (std::strncmp(argument, option, length) != 0) return false;
+    value = argument + length;
+    return true;
+}
+
+}  // namespace
+
+Suite::Suite(const char* name, int argc, char** argv) : name_(name), rowFilter_(".") {
+    std::vector<std::string> passedOn;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--quick") == 0) {
+            quick_ = true;
+        } else if (!takeOption(argv[i], "--out=", outPath_) &&
+                   !takeOption(argv[i], "--rows=", rowFilter_)) {
+            passedOn.emplace_back(argv[i]);
+        }
+    }
+    std::vector<std::string> arguments{
+        argv[0], "--benchmark_enable_random_interleaving=true",
+        quick_ ? "--benchmark_min_time=0.003" : "--benchmark_min_time=0.02",
+        quick_ ? "--benchmark_repetitions=3" : "--benchmark_repetitions=5"};
+    arguments.insert(arguments.end(), passedOn.begin(), passedOn.end());
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments) pointers.push_back(argument.data());
+    int count = static_cast<int>(pointers.size());
+    benchmark::Initialize(&count, pointers.data());
+    if (benchmark::ReportUnrecognizedArguments(count, pointers.data())) std::exit(2);
+}
+
+bool Suite::wants(const Row& row) const {
+    return std::regex_search(fullName(row), std::regex(rowFilter_));
+}
+
+void Suite::run(const Row& row, const std::vector<Runner>& runners) {
+    begin(row);
+    for (const Runner& runner : runners) {
+        const double began = now();
+        const std::int64_t answer = runner.once();
+        const double seconds = now() - began;
+        enter(runner.name, runner.kind, {answer}, seconds, 1, [&runner](benchmark::State& state) {
+            for (auto _ : state) benchmark::DoNotOptimize(runner.once());
+        });
+    }
+    measure(1);
+}
+
+void Suite::begin(const Row& row) {
+    row_ = row;
+    entrants_.clear();
+    expected_.clear();
+    expectedFrom_.clear();
+    ++rowsRun_;
+}
+
+void Suite::enter(const std::string& name, Kind kind, const Answers& answers, double seconds,
+                  std::size_t calls, std::function<void(benchmark::State&)> loop) {
+    if (kind != Kind::Ceiling) {
+        if (expectedFrom_.empty()) {
+            expected_ = answers;
+            expectedFrom_ = name;
+        } else if (answers != expected_) {
+            std::size_t at = 0;
+            while (answers[at] == expected_[at]) ++at;
+            std::cerr << fullName(row_) << ": " << name << " answers " << answers[at] << " where "
+                      << expectedFrom_ << " answers " << expected_[at] << " (input " << at << " of "
+                      << answers.size() << ", the last being the digest of the output)\n";
+            ++failures_;
+            return;
+        }
+    }
+    entrants_.push_back({name, kind, std::move(loop), {}});
+    if (seconds > kSlowPassSeconds)
+        entrants_.back().samples = {seconds / static_cast<double>(calls) * 1e9};
+}
+
+void Suite::measure(std::size_t calls) {
+    benchmark::ClearRegisteredBenchmarks();
+    bool any = false;
+    for (Entrant& entrant : entrants_) {
+        if (!entrant.samples.empty()) continue;
+        benchmark::RegisterBenchmark(entrant.name.c_str(), entrant.loop);
+        any = true;
+    }
+    if (any) {
+        Collector collector;
+        benchmark::RunSpecifiedBenchmarks(&collector, ".");
+        for (Entrant& entrant : entrants_) {
+            for (const Collector::Times& times : collector.seconds[entrant.name]) {
+                const double seconds = row_.wallTime ? times.wall : times.cpu;
+                entrant.samples.push_back(seconds / static_cast<double>(calls) * 1e9);
+            }
+        }
+    }
+    std::cerr << fullName(row_) << ':';
+    for (Entrant& entrant : entrants_) {
+        std::vector<double>& samples = entrant.samples;
+        if (samples.empty()) continue;
+        std::sort(samples.begin(), samples.end());
+        const double median = samples[samples.size() / 2];
+        char line[1024];
+        std::snprintf(line, sizeof line,
+                      "%s,\"%s\",\"%s\",\"%s\",%.1f,%s,%s,%zu,%.3f,%.3f,%.3f,%g,%g", name_.c_str(),
+                      row_.family.c_str(), row_.variant.c_str(), row_.size.c_str(), row_.bytes,
+                      entrant.name.c_str(), kindName(entrant.kind), samples.size(), median,
+                      samples.front(), samples.back(), row_.mustRatio, row_.mustNs);
+        lines_.emplace_back(line);
+        std::fprintf(stderr, "  %s %.4g ns", entrant.name.c_str(), median);
+        if (row_.bytes > 0) std::fprintf(stderr, " (%.4g GB/s)", row_.bytes / median);
+    }
+    std::cerr << '\n';
+}
+
+int Suite::finish() {
+    if (!outPath_.empty()) {
+        std::ofstream out(outPath_);
+        out << "suite,family,variant,size,bytes,contestant,kind,samples,median_ns,min_ns,max_ns,"
+               "must_ratio,must_ns\n";
+        for (const std::string& line : lines_) out << line << '\n';
+        out.flush();
+        if (!out) {
+            std::cerr << "cannot write " << outPath_ << '\n';
+            return 1;
+        }
+    }
+    std::cerr << rowsRun_ << " rows, " << failures_ << " wrong answers\n";
+    return failures_ == 0 && rowsRun_ > 0 ? 0 : 1;
+}
+
+double Suite::now() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+void Suite::clearOutput(unsigned char* output, std::size_t bytes) {
+    if (bytes != 0) std::memset(output, 0xAA, bytes);
+}
+
+std::int64_t Suite::digest(const unsigned char* output, std::size_t bytes) {
+    std::uint64_t hash = 14695981039346656037u;
+    std::size_t i = 0;
+    for (; i + 8 <= bytes; i += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, output + i, 8);
+        hash = (hash ^ word) * 1099511628211u;
+        hash ^= hash >> 29;
+    }
+    for (; i < bytes; ++i) hash = (hash ^ output[i]) * 1099511628211u;
+    return static_cast<std::int64_t>(hash);
+}
+
+void Suite::keepSigns(Answers& answers) {
+    for (std::int64_t& answer : answers) answer = (answer > 0) - (answer < 0);
+}
+
+}  // namespace bench
