@@ -1,0 +1,62 @@
+// Tests of one text character against one node: literals, shorthands, code points, Unicode
+// properties and the members of a bracket class. A character that is not well-formed UTF-8 is its
+// first byte, with length 1; a sequence that does not fit in front of the text's end is not
+// well-formed.
+#pragma once
+
+#include "regexp/match/byte_set.h"
+#include "regexp/match/predicates.h"
+#include "regexp/program.h"
+#include "string/utf8.h"
+
+namespace zel {
+
+/// Length in bytes of the character at `text` (which lies in front of `end`) if the node, an atom,
+/// accepts it, else 0. For NodeCombLetter the character includes its combining marks.
+int matchCharacter(const Node& node, const Zel8u* text, const Zel8u* end, Zel32u flags);
+
+/// matchCharacter for the kinds of node that compare code points: NodeLetterUtf8 and the Unicode
+/// kinds.
+int matchCodePoint(const Node& node, const Zel8u* text, const Zel8u* end, Zel32u flags);
+
+/// Whether a code-point node accepts a code point.
+bool acceptsCodePoint(const Node& node, int codePoint, Zel32u flags);
+
+/// Length of the combining sequence at `text`, or 0 when its first character cannot be a base.
+int matchCombiningSequence(const Zel8u* text, const Zel8u* end);
+
+/// Length of the character at `text`, whatever it is, and the marks that follow it.
+int measureCombiningSequence(const Zel8u* text, const Zel8u* end);
+
+/// Length of the combining sequence that ends at `text`; it begins behind `start`.
+int previousSequenceLength(const Zel8u* text, const Zel8u* start);
+
+/// Whether a bracket class accepts a character. `length` is its length in bytes.
+bool classAccepts(const Node& head, const Zel8u* text, int codePoint, int length, Zel32u flags);
+
+/// Builds the set form of a bracket class.
+void buildClassSet(const Node& head, Zel32u flags, ClassSet& set);
+
+/// Length of the character that ends at `text`, in text that begins at `start`, a character
+/// boundary. The bytes inside a well-formed sequence are never lead bytes, so looking back from a
+/// boundary to the nearest lead byte decides it.
+inline int previousLength(const Zel8u* text, const Zel8u* start) {
+    if (text[-1] < 0x80) return 1;
+    for (int back = 2; back <= 6 && text - back >= start; ++back) {
+        const Zel8u byte = text[-back];
+        if (byte >= 0xC0) return utf8Length(text - back, back) == back ? back : 1;
+        if (byte < 0x80) return 1;
+    }
+    return 1;
+}
+
+/// Length of a shorthand's character at `text`, or 0 when it is not accepted.
+inline int matchShorthand(const ByteSet& bytes, const Zel8u* text, const Zel8u* end) {
+    if (!bytes.has(*text)) return 0;
+    return utf8Length(text, end - text);
+}
+
+/// Whether there is a capturing group inside the group that opens at node `open`.
+bool hasCaptures(const Node* nodes, int open);
+
+}  // namespace zel

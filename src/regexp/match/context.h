@@ -1,0 +1,99 @@
+// The match context that travels with a search, and the shape that every node function has.
+//
+// A node function receives the current text position, the number of bytes from there to the end of
+// the (narrowed) text, and the context, whose `node` names the node to execute. It returns 0 when
+// that node and everything behind it up to `end` matched, 1 when they did not. On success the
+// context stays as the successful path left it. On failure `node` may have changed, but flags,
+// group frames and capture records are as they were on entry. The one exception is the length in
+// capture slot 0, which counts the bytes that the attempt consumed: everybody takes off what he
+// added, except the lazy routines of letters and shorthands, which never do.
+#pragma once
+
+#include "regexp/match/byte_set.h"
+#include "regexp/match/stack_guard.h"
+#include "regexp/program.h"
+
+namespace zel {
+
+struct RegExpMatchContext {
+    int node;         // next node to execute
+    int end;          // one past the last node of the (sub)program being run
+    Zel32u flags;     // option flags in force
+    int noEmpty;      // non-zero: reaching the end with a whole match of length 0 is a failure
+    int numCaptures;  // capture slots, slot 0 included
+    int steps;        // remaining budget; below zero everything fails
+    int format;       // Format of the text
+    int nodeCount;    // nodes of the whole program
+    const Zel8u* textStart;
+    const Zel8u* textEnd;  // text position + remaining length, the same everywhere in one search
+    const Node* nodes;
+    CaptureRecord* captures;
+    GroupFrame* groups;
+    const Zel8u* reached;  // where the last (sub)program that succeeded ended
+    StackGuard stack;
+    ClassCache classes;
+};
+
+using NodeFunction = int(const Zel8u* text, int length, RegExpMatchContext& context);
+
+// engine.cpp
+NodeFunction ownsRunFuncRegExp;
+
+// positions.cpp, back_references.cpp
+NodeFunction ownsNodePosition;
+NodeFunction ownsNodeBackReference;
+NodeFunction ownsNodeBackReferenceQuantifierMin;
+NodeFunction ownsNodeBackReferenceQuantifierMax;
+
+// groups.cpp
+NodeFunction ownsNodeGrouping;
+NodeFunction ownsNodeGroupingClose;
+
+// atomic_groups.cpp
+int ownsNodeGroupingAtomQuantifierMax(const Zel8u* text, int length, RegExpMatchContext& context,
+                                      int min, int max);
+NodeFunction ownsNodeGroupingAtomQuantifierMin;
+
+// look_around.cpp
+/// Whether the look-around at `context.node` passes; leaves `node` unspecified, all else as it was,
+/// but for captures set inside a positive one.
+bool lookAroundPasses(const Zel8u* text, int length, RegExpMatchContext& context);
+/// For a look-around with captures inside: the test, then the rest of the program behind it; puts
+/// the captures back when either fails.
+NodeFunction runLookAroundWithCaptures;
+
+// classes.cpp
+int ownsNodeCharacterClassQuantifierMax(const Zel8u* text, int length, RegExpMatchContext& context,
+                                        int minLeft, int maxLeft);
+int ownsNodeCharacterClassQuantifierMin(const Zel8u* text, int length, RegExpMatchContext& context,
+                                        int minLeft, int maxLeft);
+
+// letters.cpp
+NodeFunction ownsNodeLetterQuantifierMin;
+NodeFunction ownsNodeLetterQuantifierMax;
+NodeFunction ownsNodeLetterRangeQuantifierMin;
+NodeFunction ownsNodeLetterRangeQuantifierMax;
+NodeFunction ownsNodeAnyByteQuantifierMin;
+NodeFunction ownsNodeAnyByteQuantifierMax;
+
+// letters_utf8.cpp
+NodeFunction ownsNodeLetterQuantifierMinUtf8;
+NodeFunction ownsNodeLetterQuantifierMaxUtf8;
+NodeFunction ownsNodeLetterQuantifierMinUnicodeBlock;
+NodeFunction ownsNodeLetterQuantifierMinCombLetter;
+NodeFunction ownsNodeLetterQuantifierMaxCombLetter;
+
+/// The quantifier node right behind node `index`, or null.
+inline const Node* quantifierAt(const RegExpMatchContext& context, int index) {
+    if (index >= context.nodeCount) return nullptr;
+    const Node* node = &context.nodes[index];
+    return node->kind - NodeQuantifierMin <= NodeQuantifierMax - NodeQuantifierMin ? node : nullptr;
+}
+
+/// Runs the program from node `node` on.
+inline int runFrom(int node, const Zel8u* text, int length, RegExpMatchContext& context) {
+    context.node = node;
+    return ownsRunFuncRegExp(text, length, context);
+}
+
+}  // namespace zel

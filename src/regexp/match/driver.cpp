@@ -1,0 +1,245 @@
+// The search driver: checks arguments, narrows the text with the pattern's trailing literal, walks
+// the start positions and copies capture records into the caller's results.
+//
+// The budget is set once a call and shared by all start positions and all matches. Results are
+// visible, and so is where the budget ends; everything else is free.
+#include "regexp/match/driver.h"
+
+#include <string.h>
+
+#include "core/checks.h"
+#include "regexp/match/context.h"
+#include "regexp/match/predicates.h"
+#include "string/utf8.h"
+
+namespace zel {
+
+namespace {
+
+/// Where a search may begin.
+enum class Anchor { kNone, kStart, kLineStart };
+
+Zel8u upper(Zel8u c) {
+    return static_cast<Zel8u>(c - 'a') <= 'z' - 'a' ? static_cast<Zel8u>(c - 0x20) : c;
+}
+
+int findLastIgnoringCase(const Zel8u* text, int length, const Zel8u* literal, int literalLength) {
+    for (int start = length - literalLength; start >= 0; --start) {
+        int i = 0;
+        while (i < literalLength && upper(text[start + i]) == upper(literal[i])) ++i;
+        if (i == literalLength) return start;
+    }
+    return -1;
+}
+
+/// Length of the text up to the end of the last occurrence of the pattern's trailing literal: no
+/// match can end behind it. 0 when it does not occur.
+int narrowedLength(const Zel8u* text, int length, const ZelRegExpState& state) {
+    if (state.trailingLiteral < 0) return length;
+    const Node& node = state.nodes()[state.trailingLiteral];
+    const Zel8u letter = static_cast<Zel8u>(node.value);
+    const bool isString = node.kind == NodeString;
+    const Zel8u* literal = isString ? static_cast<const Zel8u*>(node.data) : &letter;
+    const int literalLength = isString ? node.count : 1;
+    int position = -1;
+    if ((static_cast<Zel32u>(node.extra) & kOptionIgnoreCase) != 0) {
+        position = findLastIgnoringCase(text, length, literal, literalLength);
+    } else if (isString) {
+        zelsFindRev_8u(text, length, literal, literalLength, &position);
+    } else {
+        zelsFindRevC_8u(text, length, letter, &position);
+    }
+    return position < 0 ? 0 : position + literalLength;
+}
+
+Anchor anchorOf(const ZelRegExpState& state) {
+    const Node* nodes = state.nodes();
+    if (state.nodeCount == 0 || nodes[0].kind != NodePosition) return Anchor::kNone;
+    for (int i = 0; i < state.nodeCount; ++i) {
+        if (nodes[i].kind == NodeAlternative && nodes[i].value == 0) return Anchor::kNone;
+    }
+    const int assertion = nodes[0].value;
+    const bool multiLine = (state.options & kOptionMultiLine) != 0;
+    if (assertion == '^' && multiLine) return Anchor::kLineStart;
+    if (assertion != '^' && assertion != 'A' && assertion != 'G') return Anchor::kNone;
+    const bool optional =
+        state.nodeCount > 1 && nodes[1].value == 0 &&
+        (nodes[1].kind == NodeQuantifierMin || nodes[1].kind == NodeQuantifierMax);
+    return optional ? Anchor::kNone : Anchor::kStart;
+}
+
+class Search {
+public:
+    Search(const WorkAreas& work, const Zel8u* text, int length, const ZelRegExpState& state)
+        : state_(state), anchor_(anchorOf(state)) {
+        context_.noEmpty = 0;
+        context_.numCaptures = state.groupCount;
+        context_.steps = state.matchLimit;
+        context_.format = state.format;
+        context_.nodeCount = state.nodeCount;
+        context_.textStart = text;
+        context_.textEnd = text + narrowedLength(text, length, state);
+        context_.nodes = state.nodes();
+        context_.captures = work.captures;
+        context_.groups = work.groups;
+        context_.stack.start();
+        context_.classes.clear();
+    }
+
+    bool outOfBudget() const { return context_.steps < 0; }
+    const CaptureRecord* captures() const { return context_.captures; }
+    const Zel8u* textEnd() const { return context_.textEnd; }
+
+    /// Tries start positions from `start` on.
+    bool findFrom(const Zel8u* start) {
+        if (anchor_ == Anchor::kStart) return start == context_.textStart && attempt(start);
+        for (const Zel8u* position = startAt(start); position != nullptr;
+             position = after(position)) {
+            if (attempt(position)) return true;
+            if (outOfBudget()) return false;  // every further attempt fails at once
+        }
+        return false;
+    }
+
+    /// Tries the start position again, for a match that is not empty.
+    bool findNonEmptyAt(const Zel8u* start) {
+        context_.noEmpty = 1;
+        const bool found = attempt(start) && context_.captures[0].length > 0;
+        context_.noEmpty = 0;
+        return found;
+    }
+
+    /// The position one character further.
+    const Zel8u* advance(const Zel8u* position) const {
+        if (context_.format != kFormatUtf8 || position >= context_.textEnd) return position + 1;
+        return position + utf8Length(position, context_.textEnd - position);
+    }
+
+private:
+    /// The first allowed start position at or behind `start`, null when there is none.
+    const Zel8u* startAt(const Zel8u* start) const {
+        if (start > context_.textEnd || start < context_.textStart) return nullptr;
+        if (anchor_ != Anchor::kLineStart || start == context_.textStart || start[-1] == '\n') {
+            return start;
+        }
+        const auto* newline = static_cast<const Zel8u*>(
+            memchr(start, '\n', static_cast<size_t>(context_.textEnd - start)));
+        return newline == nullptr ? nullptr : newline + 1;
+    }
+
+    const Zel8u* after(const Zel8u* position) const { return startAt(advance(position)); }
+
+    /// One attempt: the top-level alternatives in order.
+    bool attempt(const Zel8u* position) {
+        context_.captures[0] = {position, 0};
+        for (int i = 1; i < context_.numCaptures; ++i) context_.captures[i] = {nullptr, -1};
+        context_.flags = state_.options;
+        context_.end = state_.nodeCount;
+        const int length = static_cast<int>(context_.textEnd - position);
+        for (int first = 0;;) {
+            if (runFrom(first, position, length, context_) == 0) return true;
+            int bar = first;
+            while (bar < state_.nodeCount && !isTopLevelBar(bar)) ++bar;
+            if (bar == state_.nodeCount) return false;
+            context_.flags = static_cast<Zel32u>(context_.nodes[bar].count);
+            first = bar + 1;
+        }
+    }
+
+    bool isTopLevelBar(int index) const {
+        return context_.nodes[index].kind == NodeAlternative && context_.nodes[index].value == 0;
+    }
+
+    const ZelRegExpState& state_;
+    Anchor anchor_;
+    RegExpMatchContext context_;
+};
+
+/// Copies `count` capture records from slot `first` on.
+void copyRecords(const Search& search, int first, int count, ZelRegExpFind* results) {
+    for (int i = 0; i < count; ++i) {
+        const CaptureRecord& record = search.captures()[first + i];
+        results[i] = {const_cast<Zel8u*>(record.text), record.length};
+    }
+}
+
+ZelStatus findFirst(Search& search, const Zel8u* text, int numCaptures, ZelRegExpFind* pResult,
+                    int* pNumFind) {
+    if (*pNumFind > numCaptures) *pNumFind = numCaptures;
+    if (search.findFrom(text)) {
+        copyRecords(search, 0, *pNumFind, pResult);
+        return zelStatusOk;
+    }
+    if (search.outOfBudget()) return zelStatusRegExpMatchLimitError;
+    *pNumFind = 0;
+    return zelStatusOk;
+}
+
+ZelStatus findAll(Search& search, const Zel8u* text, int numCaptures, bool wholeMatchToo,
+                  ZelRegExpFind* pResult, int* pNumFind) {
+    const int firstSlot = !wholeMatchToo && numCaptures > 1 ? 1 : 0;
+    const int recordsPerMatch = numCaptures - firstSlot;
+    const int lastFit = *pNumFind - recordsPerMatch;
+    const Zel8u* position = text;
+    const Zel8u* retryAt = nullptr;  // where an empty match was found and a longer one is wanted
+    int written = 0;
+    bool found = true;
+    while (written <= lastFit) {
+        if (retryAt != nullptr) {
+            found = search.findNonEmptyAt(retryAt);
+            if (!found) position = search.advance(retryAt);
+            retryAt = nullptr;
+            if (!found && !search.outOfBudget()) continue;
+        } else {
+            found = search.findFrom(position);
+        }
+        if (!found) break;
+        copyRecords(search, firstSlot, recordsPerMatch, pResult + written);
+        written += recordsPerMatch;
+        if (search.outOfBudget()) break;
+        const CaptureRecord& whole = search.captures()[0];
+        position = whole.text + whole.length;
+        if (whole.length <= 0) {
+            position = whole.text;
+            if (position < search.textEnd()) {
+                retryAt = position;
+            } else {
+                position = search.advance(position);
+            }
+        }
+    }
+    *pNumFind = written;
+    return search.outOfBudget() ? zelStatusRegExpMatchLimitError : zelStatusOk;
+}
+
+}  // namespace
+
+ZelStatus searchWith(const WorkAreas& work, const Zel8u* pSrc, int srcLen,
+                     const ZelRegExpState* pRegExpState, ZelRegExpFind* pResult, int* pNumFind,
+                     int wholeMatchToo) {
+    if (anyNull(pSrc, pRegExpState, pResult)) return zelStatusNullPointer;
+    if (anyNegative(srcLen)) return zelStatusLengthError;
+    if (*pNumFind < 1) return zelStatusSizeError;
+    if (pRegExpState->magic != kRegExpMagic) return zelStatusContextMatchError;
+
+    Search search(work, pSrc, srcLen, *pRegExpState);
+    const int numCaptures = pRegExpState->groupCount;
+    if ((pRegExpState->options & kOptionGlobal) == 0) {
+        return findFirst(search, pSrc, numCaptures, pResult, pNumFind);
+    }
+    return findAll(search, pSrc, numCaptures, wholeMatchToo != 0, pResult, pNumFind);
+}
+
+ZelStatus ownsRegExpFind_8u(const Zel8u* pSrc, int srcLen, ZelRegExpState* pRegExpState,
+                            ZelRegExpFind* pResult, int* pNumFind, int wholeMatchToo) {
+    if (pRegExpState == nullptr) return zelStatusNullPointer;
+    const WorkAreas work = {pRegExpState->groups, pRegExpState->captures};
+    return searchWith(work, pSrc, srcLen, pRegExpState, pResult, pNumFind, wholeMatchToo);
+}
+
+}  // namespace zel
+
+extern "C" ZelStatus zelsRegExpFind_8u(const Zel8u* pSrc, int srcLen, ZelRegExpState* pRegExpState,
+                                       ZelRegExpFind* pResult, int* pNumFind) {
+    return zel::ownsRegExpFind_8u(pSrc, srcLen, pRegExpState, pResult, pNumFind, 0);
+}

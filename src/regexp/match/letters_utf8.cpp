@@ -1,0 +1,145 @@
+// Quantified code points, Unicode categories, ranges, scripts and combining sequences.
+//
+// The greedy routines give back whole characters or sequences. The lazy ones each have an order of
+// their own, visible in results, and none of them lowers the consumed length again:
+//   - a code point never tries the rest at the very end of the text, with a hint tries it only in
+//   front of
+//     its own letter, and reports success at the first character that is not its letter;
+//   - a Unicode kind tries the rest only in front of characters that it accepts, and steps over the
+//   others;
+//   - a combining sequence tests its base in the mandatory part only.
+#include "regexp/match/character.h"
+#include "regexp/match/repetition.h"
+
+namespace zel {
+
+namespace {
+
+/// Takes the mandatory characters of a lazy repetition and adds them to the consumed length.
+template <typename Matches>
+bool takeMandatory(Run& run, const Zel8u* text, int length, RegExpMatchContext& context,
+                   const Matches& matches) {
+    if (!run.take(text, length, context.nodes[context.node + 1].value, matches)) return false;
+    context.captures[0].length += run.offset;
+    return true;
+}
+
+int repetitionLimit(const RegExpMatchContext& context, int length) {
+    const int max = context.nodes[context.node + 1].count;
+    return max < length ? max : length;
+}
+
+auto codePointMatcher(const RegExpMatchContext& context) {
+    const Node& node = context.nodes[context.node];
+    const Zel8u* end = context.textEnd;
+    const Zel32u flags = context.flags;
+    return
+        [&node, end, flags](const Zel8u* text) { return matchCodePoint(node, text, end, flags); };
+}
+
+/// Whether the node behind the quantifier is a single letter or Unicode kind and case counts.
+bool hasHint(const RegExpMatchContext& context) {
+    const int next = context.node + 2;
+    if (next >= context.end || (context.flags & kOptionIgnoreCase) != 0) return false;
+    switch (context.nodes[next].kind) {
+        case NodeLetter:
+        case NodeLetterUtf8:
+        case NodeUnicodeCategory:
+        case NodeUnicodeProperty:
+        case NodeUnicodeScript:
+            return true;
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
+int ownsNodeLetterQuantifierMaxUtf8(const Zel8u* text, int length, RegExpMatchContext& context) {
+    return repeatGreedy(text, length, context, codePointMatcher(context),
+                        [text](const Zel8u* position) { return previousLength(position, text); });
+}
+
+int ownsNodeLetterQuantifierMaxCombLetter(const Zel8u* text, int length,
+                                          RegExpMatchContext& context) {
+    const Zel8u* end = context.textEnd;
+    return repeatGreedy(
+        text, length, context,
+        [end](const Zel8u* position) { return matchCombiningSequence(position, end); },
+        [text](const Zel8u* position) { return previousSequenceLength(position, text); });
+}
+
+int ownsNodeLetterQuantifierMinUtf8(const Zel8u* text, int length, RegExpMatchContext& context) {
+    CaptureRecord& whole = context.captures[0];
+    const Node& letter = context.nodes[context.node];
+    const int rest = context.node + 2;
+    const int limit = repetitionLimit(context, length);
+    const bool hinted = hasHint(context);
+    const auto matches = codePointMatcher(context);
+    Run run;
+    if (!takeMandatory(run, text, length, context, matches)) return 1;
+    while (run.count <= limit) {
+        if (run.offset >= length) return 1;
+        const Zel8u* position = text + run.offset;
+        // The hint looks at the node's own letter, not at what follows it.
+        if (!hinted || decodeUtf8(position, length - run.offset).value == letter.value) {
+            if (runFrom(rest, position, length - run.offset, context) == 0) return 0;
+        }
+        const int taken = matches(position);
+        if (taken == 0) {
+            context.reached = position;
+            return 0;  // another character ends the repetition as a success
+        }
+        whole.length += taken;
+        run.offset += taken;
+        ++run.count;
+    }
+    return 1;
+}
+
+int ownsNodeLetterQuantifierMinUnicodeBlock(const Zel8u* text, int length,
+                                            RegExpMatchContext& context) {
+    CaptureRecord& whole = context.captures[0];
+    const int rest = context.node + 2;
+    const int limit = repetitionLimit(context, length);
+    const auto matches = codePointMatcher(context);
+    Run run;
+    if (!takeMandatory(run, text, length, context, matches)) return 1;
+    while (run.count <= limit) {
+        if (run.offset >= length) return 1;
+        const Zel8u* position = text + run.offset;
+        if (matches(position) != 0) {
+            if (runFrom(rest, position, length - run.offset, context) == 0) return 0;
+        }
+        const int taken = utf8Length(position, length - run.offset);
+        whole.length += taken;
+        run.offset += taken;
+        ++run.count;
+    }
+    return 1;
+}
+
+int ownsNodeLetterQuantifierMinCombLetter(const Zel8u* text, int length,
+                                          RegExpMatchContext& context) {
+    CaptureRecord& whole = context.captures[0];
+    const Zel8u* end = context.textEnd;
+    const int rest = context.node + 2;
+    const int limit = repetitionLimit(context, length);
+    const auto matches = [end](const Zel8u* position) {
+        return matchCombiningSequence(position, end);
+    };
+    Run run;
+    if (!takeMandatory(run, text, length, context, matches)) return 1;
+    while (run.count <= limit) {
+        const Zel8u* position = text + run.offset;
+        if (runFrom(rest, position, length - run.offset, context) == 0) return 0;
+        if (run.offset >= length) return 1;
+        const int taken = measureCombiningSequence(position, end);
+        whole.length += taken;
+        run.offset += taken;
+        ++run.count;
+    }
+    return 1;
+}
+
+}  // namespace zel

@@ -1,0 +1,29 @@
+// Keeps deep searches from running off the machine stack. The engine recurses at choice points; in
+// front of a recursion it asks here whether there is room. The ordinary answer is one comparison
+// with a limit near the point where the search began. Only a search that gets past it makes the
+// guard find out where the thread's stack really ends.
+#pragma once
+
+#include <stddef.h>
+
+namespace zel {
+
+class StackGuard {
+public:
+    /// To be called at the start of a search.
+    void start();
+
+    /// Whether there is room for the library's own frames and `bytes` more.
+    bool hasRoom(size_t bytes = 0) {
+        const char* here = static_cast<const char*>(__builtin_frame_address(0)) - bytes;
+        return __builtin_expect(here > limit_, 1) || extend(here);
+    }
+
+private:
+    bool extend(const char* here);
+
+    const char* limit_;
+    bool final_;
+};
+
+}  // namespace zel
