@@ -61,4 +61,15 @@ struct ClassContent {
 /// The class whose "[" stands at `i`.
 ClassContent readClass(const Pattern& pattern, int i);
 
+/// The finished program: nodes whose string data still points into the pattern, and the index of
+/// the trailing literal or a negative value.
+struct Program {
+    std::vector<Node> nodes;
+    int trailingLiteral;
+};
+
+/// The second pass.
+Program compileProgram(const Pattern& pattern, Zel32u options, int groupCount,
+                       bool lineStartMarker);
+
 }  // namespace model
