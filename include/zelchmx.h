@@ -384,8 +384,10 @@ ZEL_API ZelStatus zelsRegExpReplaceInit(const Zel8u* pSrcReplacement,
  *         } else if (found + recordsPerMatch <= room) {  // there is no further match
  *             write(out, made);
  *             at = length;
- *         } else if (find[found - recordsPerMatch].lenMatch < 1) {
- *             find = grow(find, room *= 2);  // resumed there, an empty match is found again
+ *         } else if (used == 0 || find[found - recordsPerMatch].lenMatch < 1) {
+ *             // No call can resume at the very end, where an empty match may follow, and a search
+ *             // that resumes behind an empty match finds it again: the same place once more.
+ *             find = grow(find, room *= 2);
  *         } else {  // the records are used up: write all but the tail, resume where it begins
  *             write(out, made - used);
  *             at = length - used;
