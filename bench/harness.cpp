@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <fstream>
 #include <iostream>
 #include <map>
@@ -92,17 +93,25 @@ bool Suite::wants(const Row& row) const {
     return std::regex_search(fullName(row), std::regex(rowFilter_));
 }
 
-void Suite::run(const Row& row, const std::vector<Runner>& runners) {
+void Suite::run(const Row& row, const std::vector<Runner>& runners, std::size_t calls) {
     begin(row);
     for (const Runner& runner : runners) {
         const double began = now();
-        const std::int64_t answer = runner.once();
+        std::int64_t answer = 0;
+        try {
+            answer = runner.once();
+        } catch (const std::exception& error) {
+            std::cerr << fullName(row) << ": " << runner.name << " gave up: " << error.what()
+                      << '\n';
+            continue;
+        }
         const double seconds = now() - began;
-        enter(runner.name, runner.kind, {answer}, seconds, 1, [&runner](benchmark::State& state) {
-            for (auto _ : state) benchmark::DoNotOptimize(runner.once());
-        });
+        enter(runner.name, runner.kind, {answer}, seconds, calls,
+              [&runner](benchmark::State& state) {
+                  for (auto _ : state) benchmark::DoNotOptimize(runner.once());
+              });
     }
-    measure(1);
+    measure(calls);
 }
 
 void Suite::begin(const Row& row) {
@@ -159,11 +168,11 @@ void Suite::measure(std::size_t calls) {
         std::sort(samples.begin(), samples.end());
         const double median = samples[samples.size() / 2];
         char line[1024];
-        std::snprintf(line, sizeof line,
-                      "%s,\"%s\",\"%s\",\"%s\",%.1f,%s,%s,%zu,%.3f,%.3f,%.3f,%g,%g", name_.c_str(),
-                      row_.family.c_str(), row_.variant.c_str(), row_.size.c_str(), row_.bytes,
-                      entrant.name.c_str(), kindName(entrant.kind), samples.size(), median,
-                      samples.front(), samples.back(), row_.mustRatio, row_.mustNs);
+        std::snprintf(
+            line, sizeof line, "%s,\"%s\",\"%s\",\"%s\",%.1f,%s,%s,%zu,%.3f,%.3f,%.3f,%g,%g,%s",
+            name_.c_str(), row_.family.c_str(), row_.variant.c_str(), row_.size.c_str(), row_.bytes,
+            entrant.name.c_str(), kindName(entrant.kind), samples.size(), median, samples.front(),
+            samples.back(), row_.mustRatio, row_.mustNs, row_.mustPeer.c_str());
         lines_.emplace_back(line);
         std::fprintf(stderr, "  %s %.4g ns", entrant.name.c_str(), median);
         if (row_.bytes > 0) std::fprintf(stderr, " (%.4g GB/s)", row_.bytes / median);
@@ -175,7 +184,7 @@ int Suite::finish() {
     if (!outPath_.empty()) {
         std::ofstream out(outPath_);
         out << "suite,family,variant,size,bytes,contestant,kind,samples,median_ns,min_ns,max_ns,"
-               "must_ratio,must_ns\n";
+               "must_ratio,must_ns,must_peer\n";
         for (const std::string& line : lines_) out << line << '\n';
         out.flush();
         if (!out) {

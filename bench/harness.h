@@ -90,7 +90,8 @@ struct Row {
     double bytes = 0;  // mean input bytes of one call
     double mustRatio = 0;
     double mustNs = 0;
-    bool wallTime = false;  // several threads work: time by the clock instead of by the processor
+    std::string mustPeer{};  // whom mustRatio is against; empty: the best of all
+    bool wallTime = false;   // several threads work: time by the clock instead of by the processor
 };
 
 // The inputs of a row, whatever keeps their memory alive, and the memory the contestants write to.
@@ -130,13 +131,14 @@ public:
     }
 
     // The same for contestants that are made at run time: each has a name, a kind and a function
-    // that does the whole job once and returns its answer.
+    // that does the whole job, which is `calls` calls, and returns its answer. One that throws has
+    // given up.
     struct Runner {
         std::string name;
         Kind kind;
         std::function<std::int64_t()> once;
     };
-    void run(const Row& row, const std::vector<Runner>& runners);
+    void run(const Row& row, const std::vector<Runner>& runners, std::size_t calls = 1);
 
     // Writes the table; the exit code of the program.
     int finish();
