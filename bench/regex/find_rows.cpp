@@ -56,6 +56,7 @@ constexpr FindAll kFindAll[] = {
     {"class sequences", "hexadecimal", "log", {"0x[0-9a-f]+"}, 1.5},
 
     {"fixed shapes", "date", "prose", {"\\d{4}-\\d{2}-\\d{2}"}, 1.5},
+    {"fixed shapes", "date, every line", "log", {"\\d{4}-\\d{2}-\\d{2}"}, 1.5},
     {"fixed shapes", "IPv4", "log", {"\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}"}, 2},
 
     {"lines", "anchored", "packages", {"^Package: .*$", false, true}, 1.0},
@@ -73,8 +74,8 @@ constexpr FindAll kFindAll[] = {
     {"e-mail, key=value, URL", "key=value", "log", {"(\\w+)=(\\w+)", false, false, false, 2}, 2},
     {"e-mail, key=value, URL", "URL", "log", {"https?://[^\\s\"<>]+"}, 1.0},
 
-    {"quoted strings", "lazy", "code", {"\".*?\""}, 2},
-    {"quoted strings", "class", "code", {"\"[^\"\\n]*\""}, 2},
+    {"quoted strings", "lazy", "log", {"\".*?\""}, 2},
+    {"quoted strings", "class", "log", {"\"[^\"\\n]*\""}, 2},
 
     {"back-references", "doubled letter", "prose", {"(\\w)\\1", false, false, false, 1}, 1.5},
     {"back-references", "doubled word", "prose", {"\\b(\\w+) \\1\\b", false, false, false, 1}, 1.5},
@@ -90,7 +91,7 @@ constexpr FindAll kFindAll[] = {
     {"hopeless", "trailing literal", "prose", {"[a-z]+\\s+[a-z]+@@@"}, 12},
     {"hopeless", "inner literal", "prose", {"\\w+\\s+ZZZ\\w+"}, 3},
 
-    {"nested class repeats", "that fail", "words", {"(?:[a-z]+-?){2,3}[0-9]{3}"}, 0.3},
+    {"nested class repeats", "that fail", "words", {"(?:[a-z]+-?){2}[0-9]"}, 0.3},
 
     {"Unicode", "literal", "utf8", {"система", false, false, true}, 1.0, Occurs::Also},
     {"Unicode", "class", "utf8", {"[а-яё]+", false, false, true}, 1.0},
