@@ -108,6 +108,17 @@ TEST(Class, CharactersOfSeveralBytes) {
     EXPECT_EQ(whole("[\\Xq]", "e"), (Span{0, 1}));
 }
 
+TEST(Class, RangeIgnoringCaseHoldsWideCharactersThatMapIntoIt) {
+    const std::string kelvin = "\xE2\x84\xAA";  // U+212A, lower case k
+    const std::string longS = "\xC5\xBF";       // U+017F, upper case S
+    EXPECT_EQ(whole("[a-z]", kelvin, "i"), (Span{0, 3}));
+    EXPECT_EQ(whole("[A-Z]", longS, "i"), (Span{0, 2}));
+    EXPECT_EQ(whole("[^a-z]", kelvin, "i"), kUnset);
+    EXPECT_EQ(whole("[a-z]", kelvin), kUnset);
+    EXPECT_EQ(whole("[a-j]", kelvin, "i"), kUnset);
+    EXPECT_EQ(whole("[k\\d]", kelvin, "i"), kUnset);  // a letter folds in ASCII only
+}
+
 TEST(Class, IllFormedBytesAreCharactersOfOneByte) {
     EXPECT_EQ(whole("[^a]", "\xC3z"), (Span{0, 1}));
     EXPECT_EQ(whole("[^a]", "\xC3"), (Span{0, 1}));

@@ -194,6 +194,7 @@ void buildClassSet(const Node& head, Zel32u flags, ClassSet& set) {
     set.wide = ClassSet::kNoWide;
     const bool ignoreCase = (flags & kOptionIgnoreCase) != 0;
     bool simple = true;
+    bool foldsWide = false;  // a range may hold a mapping of a character of several bytes
     for (int i = 1; i <= head.count && simple; ++i) {
         const Node& member = (&head)[i];
         simple = acceptsNoWide(member);
@@ -207,6 +208,7 @@ void buildClassSet(const Node& head, Zel32u flags, ClassSet& set) {
             set.bytes.addRange(static_cast<unsigned>(member.value),
                                static_cast<unsigned>(member.count));
             if (ignoreCase) {
+                foldsWide = true;
                 for (int c = member.value; c <= member.count; ++c) {
                     if (isAsciiLetter(static_cast<Zel8u>(c ^ 0x20))) {
                         set.bytes.add(static_cast<unsigned>(c ^ 0x20));
@@ -223,6 +225,7 @@ void buildClassSet(const Node& head, Zel32u flags, ClassSet& set) {
             set.bytes.invert();
             set.wide = ClassSet::kAllWide;
         }
+        if (foldsWide) set.wide = ClassSet::kTestWide;
         return;
     }
     set.bytes = ByteSet{};
