@@ -227,6 +227,7 @@ int Compiler::skipUnwritten(int i) const {
         if (extendedHere) next = skipExtended(i);
         if (pattern_.startsWith(i, "(?#")) next = pattern_.find(i, ")") + 1;
         if (pattern_.startsWith(i, "\\E")) next = i + 2;
+        if (pattern_.startsWith(i, "\\Q\\E")) next = i + 4;
         if (pattern_.startsWith(i, "(?x)")) {
             extendedHere = true;
             next = i + 4;

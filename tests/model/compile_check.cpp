@@ -24,8 +24,7 @@ int Pattern::find(int from, const char* what) const {
 int classPartEnd(const Pattern& pattern, int i) {
     int delimiter = pattern.at(i + 1);
     if (delimiter != ':' && delimiter != '.' && delimiter != '=') return -1;
-    int end = i + 2;
-    while (end < pattern.length && pattern.at(end) != ']') ++end;
+    int end = pattern.find(i + 2, "]");
     bool reappears = end - 1 > i + 1 && pattern.at(end - 1) == delimiter;
     return reappears ? end : -1;
 }

@@ -219,7 +219,6 @@ const std::vector<PosixClass>& posixClasses() {
 /// The members of the class part from the "[" at `i` to the "]" at `end`.
 std::vector<Node> readClassPart(const Pattern& pattern, int i, int end) {
     CompileError bad{zelStatusRegExpCharClassError, i};
-    if (end == pattern.length) throw bad;
     int start = i + 2;
     bool negated = pattern.at(start) == '^';
     if (negated) ++start;

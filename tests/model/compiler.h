@@ -28,8 +28,8 @@ struct Pattern {
     int find(int from, const char* what) const;
 };
 
-/// For a "[" at `i` that opens a part such as "[:alpha:]": the index of the "]" that ends the part,
-/// or the pattern's length when the pattern ends first. -1 when no such part stands there.
+/// For a "[" at `i` that opens a part such as "[:alpha:]": the index of the "]" that ends the part.
+/// -1 when no such part stands there.
 int classPartEnd(const Pattern& pattern, int i);
 
 /// Reads inline option letters from `i` on. Returns the index of the first byte that is none, and
