@@ -114,15 +114,18 @@ struct Compiled {
     static constexpr int kUntouched = -77;
 };
 
-/// A block of the size that the library asks for, with a canary on both sides.
+/// A block of the size that the library asks for, with a canary on both sides. Its contents are
+/// canary bytes too, unless that is not worth the time.
 class GuardedBlock {
 public:
-    explicit GuardedBlock(const std::string& pattern) {
+    explicit GuardedBlock(const std::string& pattern, bool fill = true) {
         int size = 0;
         EXPECT_EQ(zelsRegExpGetSize(pattern.c_str(), &size), zelStatusOk);
         size_ = static_cast<size_t>(size);
-        memory_ = std::make_unique<unsigned char[]>(size_ + 2 * kCanary);
-        memset(memory_.get(), 0xA5, size_ + 2 * kCanary);
+        memory_.reset(new unsigned char[size_ + 2 * kCanary]);
+        if (fill) memset(state(), 0xA5, size_);
+        memset(memory_.get(), 0xA5, kCanary);
+        memset(memory_.get() + kCanary + size_, 0xA5, kCanary);
     }
 
     ZelRegExpState* state() { return reinterpret_cast<ZelRegExpState*>(memory_.get() + kCanary); }
