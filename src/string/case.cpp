@@ -3,11 +3,12 @@
 #include "string/case.h"
 
 #include "core/checks.h"
+#include "string/kernels/isa.h"
 #include "zelchmx.h"
 
-namespace {
+namespace zel::ZEL_ISA {
 
-using namespace zel;
+namespace {
 
 template <typename Rule, typename T>
 ZelStatus convert(const T* src, T* dst, int len) {
@@ -18,8 +19,6 @@ ZelStatus convert(const T* src, T* dst, int len) {
 }
 
 }  // namespace
-
-extern "C" {
 
 ZelStatus zelsUppercase_16u(const Zel16u* pSrc, Zel16u* pDst, int len) {
     return convert<ToUpperByTable>(pSrc, pDst, len);
@@ -69,4 +68,4 @@ ZelStatus zelsLowercaseLatin_16u_I(Zel16u* pSrcDst, int len) {
     return convert<ToLowerLatin>(pSrcDst, pSrcDst, len);
 }
 
-}  // extern "C"
+}  // namespace zel::ZEL_ISA

@@ -3,9 +3,10 @@
 #pragma once
 
 #include "string/case_tables.h"
+#include "string/kernels/isa.h"
 #include "zelchmx.h"
 
-namespace zel {
+namespace zel::ZEL_ISA {
 
 /// The rules, as function objects that map one element.
 struct ToUpperByTable {
@@ -42,4 +43,4 @@ void convertCase(const T* src, T* dst, int len, Rule rule) {
     for (int i = 0; i < len; ++i) dst[i] = rule(src[i]);
 }
 
-}  // namespace zel
+}  // namespace zel::ZEL_ISA

@@ -3,11 +3,12 @@
 
 #include "core/checks.h"
 #include "string/case.h"
+#include "string/kernels/isa.h"
 #include "zelchmx.h"
 
-namespace {
+namespace zel::ZEL_ISA {
 
-using namespace zel;
+namespace {
 
 template <typename T>
 ZelStatus compare(const T* src1, const T* src2, int len, int* result) {
@@ -34,8 +35,6 @@ ZelStatus equal(const T* src1, const T* src2, int len, int* result) {
 }
 
 }  // namespace
-
-extern "C" {
 
 ZelStatus zelsCompare_8u(const Zel8u* pSrc1, const Zel8u* pSrc2, int len, int* pResult) {
     return compare(pSrc1, pSrc2, len, pResult);
@@ -68,4 +67,4 @@ ZelStatus zelsEqual_16u(const Zel16u* pSrc1, const Zel16u* pSrc2, int len, int* 
     return equal(pSrc1, pSrc2, len, pResult);
 }
 
-}  // extern "C"
+}  // namespace zel::ZEL_ISA

@@ -3,9 +3,10 @@
 #pragma once
 
 #include "string/case.h"
+#include "string/kernels/isa.h"
 #include "zelchmx.h"
 
-namespace zel {
+namespace zel::ZEL_ISA {
 
 /// The difference of the first pair that differs, as it stands, else 0.
 template <typename T>
@@ -37,4 +38,4 @@ bool equalElements(const T* src1, const T* src2, int len) {
     return true;
 }
 
-}  // namespace zel
+}  // namespace zel::ZEL_ISA

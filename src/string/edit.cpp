@@ -2,13 +2,14 @@
 // formed in 64 bits, and the entries of a list are checked only when the work reaches them.
 #include "string/edit.h"
 
+#include "core/block.h"
 #include "core/checks.h"
-#include "core/memory.h"
+#include "string/kernels/isa.h"
 #include "zelchmx.h"
 
-namespace {
+namespace zel::ZEL_ISA {
 
-using namespace zel;
+namespace {
 
 template <typename T>
 ZelStatus insert(const T* src, int len, const T* inserted, int lenInsert, T* dst, int start) {
@@ -108,8 +109,6 @@ ZelStatus splitC(const T* src, int len, T delim, T* const* slots, int* slotLens,
 
 }  // namespace
 
-extern "C" {
-
 ZelStatus zelsInsert_8u(const Zel8u* pSrc, int len, const Zel8u* pInsert, int lenInsert,
                         Zel8u* pDst, int startIndex) {
     return insert(pSrc, len, pInsert, lenInsert, pDst, startIndex);
@@ -194,4 +193,4 @@ ZelStatus zelsSplitC_16u_D2L(const Zel16u* pSrc, int len, Zel16u valDelim, Zel16
     return splitC(pSrc, len, valDelim, pDstList, pDstLenList, pNumDst);
 }
 
-}  // extern "C"
+}  // namespace zel::ZEL_ISA

@@ -3,11 +3,12 @@
 // lengths, so that lengths near 2^31 stay exact.
 #pragma once
 
-#include "core/memory.h"
-#include "string/search.h"
+#include "core/block.h"
+#include "string/kernels/find_any.h"
+#include "string/kernels/isa.h"
 #include "zelchmx.h"
 
-namespace zel {
+namespace zel::ZEL_ISA {
 
 /// Writes src[0..start), insert, src[start..len) to dst, which may be src. The tail moves first, so
 /// that an insertion in place does not overwrite it.
@@ -58,4 +59,4 @@ ZelStatus splitElements(const T* src, int len, T delim, T* const* slots, int* sl
     return pos < len ? zelStatusSplitIncompleteWarning : status;
 }
 
-}  // namespace zel
+}  // namespace zel::ZEL_ISA

@@ -2,11 +2,12 @@
 #include "string/hash.h"
 
 #include "core/checks.h"
+#include "string/kernels/isa.h"
 #include "zelchmx.h"
 
-namespace {
+namespace zel::ZEL_ISA {
 
-using namespace zel;
+namespace {
 
 template <typename T>
 using Formula = Zel32u (*)(const T* src, int len);
@@ -30,8 +31,6 @@ ZelStatus hashUpToZero(Formula<T> formula, const T* src, int len, Zel32u* hashVa
 }
 
 }  // namespace
-
-extern "C" {
 
 ZelStatus zelsHash_8u32u(const Zel8u* pSrc, int len, Zel32u* pHashVal) {
     return hash(hashShift<Zel8u>, pSrc, len, pHashVal);
@@ -57,4 +56,4 @@ ZelStatus zelsHashMSCS_16u32u(const Zel16u* pSrc, int len, Zel32u* pHashVal) {
     return hashUpToZero(hashMSCS<Zel16u>, pSrc, len, pHashVal);
 }
 
-}  // extern "C"
+}  // namespace zel::ZEL_ISA

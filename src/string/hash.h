@@ -2,9 +2,10 @@
 // initial value, step or stopping rule may ever change. All arithmetic wraps modulo 2^32.
 #pragma once
 
+#include "string/kernels/isa.h"
 #include "zelchmx.h"
 
-namespace zel {
+namespace zel::ZEL_ISA {
 
 /// Shift and exclusive-or. An element more than 31 places before the end has no effect.
 template <typename T>
@@ -30,4 +31,4 @@ Zel32u hashMSCS(const T* src, int len) {
     return h;
 }
 
-}  // namespace zel
+}  // namespace zel::ZEL_ISA

@@ -1,13 +1,14 @@
 // The exported search functions. Every member checks its pointers, then its lengths, then stores
 // -1, so that a successful call always leaves a defined index; finding nothing is a success.
-#include "string/search.h"
-
 #include "core/checks.h"
+#include "string/kernels/find_any.h"
+#include "string/kernels/find_string.h"
+#include "string/kernels/isa.h"
 #include "zelchmx.h"
 
-namespace {
+namespace zel::ZEL_ISA {
 
-using namespace zel;
+namespace {
 
 template <typename T>
 ZelStatus find(const T* src, int len, const T* pattern, int lenPattern, int* index) {
@@ -63,7 +64,16 @@ ZelStatus findRevCAny(const T* src, int len, const T* set, int lenSet, int* inde
     return zelStatusOk;
 }
 
-// A string too long for a length measures -1, which the member called then reports.
+/// Number of elements before the terminating zero; -1 when a length cannot express it, which the
+/// member called with it then reports.
+template <typename T>
+int measure(const T* srcZ) {
+    const T* end = srcZ;
+    while (*end != 0) ++end;
+    const auto len = end - srcZ;
+    return len <= 0x7FFFFFFF ? static_cast<int>(len) : -1;
+}
+
 template <typename T>
 ZelStatus findZ(const T* srcZ, const T* patternZ, int* index) {
     if (anyNull(srcZ, patternZ)) return zelStatusNullPointer;
@@ -77,8 +87,6 @@ ZelStatus findCZ(const T* srcZ, T val, int* index) {
 }
 
 }  // namespace
-
-extern "C" {
 
 ZelStatus zelsFind_8u(const Zel8u* pSrc, int len, const Zel8u* pFind, int lenFind, int* pIndex) {
     return find(pSrc, len, pFind, lenFind, pIndex);
@@ -149,4 +157,4 @@ ZelStatus zelsFindC_Z_16u(const Zel16u* pSrcZ, Zel16u valFind, int* pIndex) {
     return findCZ(pSrcZ, valFind, pIndex);
 }
 
-}  // extern "C"
+}  // namespace zel::ZEL_ISA

@@ -2,13 +2,14 @@
 // forward to a destination that may be the source itself: the copy never goes to a higher address.
 #include "string/trim.h"
 
+#include "core/block.h"
 #include "core/checks.h"
-#include "core/memory.h"
+#include "string/kernels/isa.h"
 #include "zelchmx.h"
 
-namespace {
+namespace zel::ZEL_ISA {
 
-using namespace zel;
+namespace {
 
 enum Ends { kStart = 1, kEnd = 2, kBothEnds = kStart | kEnd };
 
@@ -45,8 +46,6 @@ ZelStatus trimCAny(const T* src, int len, const T* set, int lenSet, T* dst, int*
 }
 
 }  // namespace
-
-extern "C" {
 
 ZelStatus zelsTrimC_8u(const Zel8u* pSrc, int len, Zel8u valTrim, Zel8u* pDst, int* pDstLen) {
     return trimC(pSrc, len, valTrim, pDst, pDstLen);
@@ -94,4 +93,4 @@ ZelStatus zelsTrimEndCAny_16u(const Zel16u* pSrc, int len, const Zel16u* pTrim, 
     return trimCAny<kEnd>(pSrc, len, pTrim, lenTrim, pDst, pDstLen);
 }
 
-}  // extern "C"
+}  // namespace zel::ZEL_ISA

@@ -2,10 +2,11 @@
 // two scans with one copy.
 #pragma once
 
-#include "string/search.h"
+#include "string/kernels/find_any.h"
+#include "string/kernels/isa.h"
 #include "zelchmx.h"
 
-namespace zel {
+namespace zel::ZEL_ISA {
 
 /// What is trimmed: one element, or the elements of a set. Their two scans give the index of the
 /// first and of the last element that is kept; len and -1 when none is.
@@ -48,4 +49,4 @@ struct TrimAnyOf {
     }
 };
 
-}  // namespace zel
+}  // namespace zel::ZEL_ISA

@@ -6,7 +6,7 @@
 #include "string/utf8.h"
 #include "zelchmx.h"
 
-namespace zel {
+namespace zel::ZEL_ISA {
 
 namespace {
 
@@ -95,15 +95,10 @@ Converted convertUtf16To8(const Zel16u* src, int srcLen, Zel8u* dst, int dstLen,
     return {static_cast<int>(srcLen - remaining), static_cast<int>(dstLen - room)};
 }
 
-}  // namespace zel
-
-extern "C" {
-
 ZelStatus zelsConvertUTF_8u16u(const Zel8u* pSrc, int* pSrcLen, Zel16u* pDst, int* pDstLen,
                                int swapBytes) {
-    if (zel::anyNull(pSrc, pSrcLen, pDst, pDstLen)) return zelStatusNullPointer;
-    const zel::Converted done =
-        zel::convertUtf8To16(pSrc, *pSrcLen, pDst, *pDstLen, swapBytes != 0);
+    if (anyNull(pSrc, pSrcLen, pDst, pDstLen)) return zelStatusNullPointer;
+    const Converted done = convertUtf8To16(pSrc, *pSrcLen, pDst, *pDstLen, swapBytes != 0);
     *pSrcLen = done.consumed;
     *pDstLen = done.written;
     return zelStatusOk;
@@ -111,12 +106,11 @@ ZelStatus zelsConvertUTF_8u16u(const Zel8u* pSrc, int* pSrcLen, Zel16u* pDst, in
 
 ZelStatus zelsConvertUTF_16u8u(const Zel16u* pSrc, int* pSrcLen, Zel8u* pDst, int* pDstLen,
                                int swapBytes) {
-    if (zel::anyNull(pSrc, pSrcLen, pDst, pDstLen)) return zelStatusNullPointer;
-    const zel::Converted done =
-        zel::convertUtf16To8(pSrc, *pSrcLen, pDst, *pDstLen, swapBytes != 0);
+    if (anyNull(pSrc, pSrcLen, pDst, pDstLen)) return zelStatusNullPointer;
+    const Converted done = convertUtf16To8(pSrc, *pSrcLen, pDst, *pDstLen, swapBytes != 0);
     *pSrcLen = done.consumed;
     *pDstLen = done.written;
     return zelStatusOk;
 }
 
-}  // extern "C"
+}  // namespace zel::ZEL_ISA

@@ -2,9 +2,10 @@
 // never fail: what is malformed passes through by a fixed rule.
 #pragma once
 
+#include "string/kernels/isa.h"
 #include "zelchmx.h"
 
-namespace zel {
+namespace zel::ZEL_ISA {
 
 /// How much of a source was read and how much of a destination was written, in elements of each.
 struct Converted {
@@ -20,4 +21,4 @@ Converted convertUtf8To16(const Zel8u* src, int srcLen, Zel16u* dst, int dstLen,
 /// Ends when the source is used up or the next character does not fit.
 Converted convertUtf16To8(const Zel16u* src, int srcLen, Zel8u* dst, int dstLen, bool swapBytes);
 
-}  // namespace zel
+}  // namespace zel::ZEL_ISA

@@ -6,9 +6,10 @@
 #include <stddef.h>
 #include <string.h>
 
+#include "string/kernels/isa.h"
 #include "zelchmx.h"
 
-namespace zel {
+namespace zel::ZEL_ISA {
 
 /// Copies n bytes as if one by one from index 0 up, also when the ranges overlap: a copy to a lower
 /// address is exact, a copy to a higher one inside the source repeats the leading bytes.
@@ -50,4 +51,4 @@ void moveElements(const T* src, T* dst, ptrdiff_t n) {
               n * static_cast<ptrdiff_t>(sizeof(T)));
 }
 
-}  // namespace zel
+}  // namespace zel::ZEL_ISA

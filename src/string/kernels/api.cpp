@@ -1,0 +1,73 @@
+// The kernels that other parts of the library call.
+#include "string/kernels/api.h"
+
+#include "string/kernels/find_any.h"
+#include "string/kernels/find_ignore_case.h"
+#include "string/kernels/find_string.h"
+#include "string/kernels/instances.h"
+
+namespace zel::ZEL_ISA {
+
+namespace {
+
+ZEL_INLINE int orLength(int index, int len) {
+    return index == kNotFound ? len : index;
+}
+
+}  // namespace
+
+int findByte(const Zel8u* p, int len, Zel8u c) {
+    return orLength(findElement(p, len, c), len);
+}
+
+int findByteNot(const Zel8u* p, int len, Zel8u c) {
+    return orLength(firstHit(p, len, Differs<Zel8u>{Vec<Zel8u>::splat(c)}), len);
+}
+
+int findByteRev(const Zel8u* p, int len, Zel8u c) {
+    return findElementRev(p, len, c);
+}
+
+int findByte2(const Zel8u* p, int len, Zel8u a, Zel8u b) {
+    const Zel8u values[] = {a, b};
+    return orLength(firstHit(p, len, EqualsAnyOf<Zel8u, 2>::of(values)), len);
+}
+
+int findByte3(const Zel8u* p, int len, Zel8u a, Zel8u b, Zel8u c) {
+    const Zel8u values[] = {a, b, c};
+    return orLength(firstHit(p, len, EqualsAnyOf<Zel8u, 3>::of(values)), len);
+}
+
+int findByteIn(const Zel8u* p, int len, const uint64_t* set) {
+    return orLength(firstHit(p, len, ByteClass::fromWords(set)), len);
+}
+
+int findByteNotIn(const Zel8u* p, int len, const uint64_t* set) {
+    return orLength(firstHit(p, len, NotInClass{ByteClass::fromWords(set)}), len);
+}
+
+int findByteInRev(const Zel8u* p, int len, const uint64_t* set) {
+    return lastHit(p, len, ByteClass::fromWords(set));
+}
+
+int findByteNotInRev(const Zel8u* p, int len, const uint64_t* set) {
+    return lastHit(p, len, NotInClass{ByteClass::fromWords(set)});
+}
+
+int findBytes(const Zel8u* p, int len, const Zel8u* needle, int needleLen) {
+    return orLength(findString(p, len, needle, needleLen), len);
+}
+
+int findBytesRev(const Zel8u* p, int len, const Zel8u* needle, int needleLen) {
+    return findStringRev(p, len, needle, needleLen);
+}
+
+int findBytesIgnoreCase(const Zel8u* p, int len, const Zel8u* needle, int needleLen) {
+    return orLength(findStringIgnoreCase(p, len, needle, needleLen), len);
+}
+
+int countUtf8Continuations(const Zel8u* p, int len) {
+    return countContinuations(p, len);
+}
+
+}  // namespace zel::ZEL_ISA

@@ -1,0 +1,52 @@
+// The wide loops that other parts of the library use directly, the matcher above all. Every
+// function takes a valid pointer and a length that may be 0, reads nothing outside the range and
+// keeps no memory of earlier calls. Forward searches answer the length when there is nothing to
+// find, so that the answer is always the length of the part passed over; backward searches answer
+// -1.
+//
+// A call costs one indirect jump; what is behind it is chosen when the library is loaded. Callers
+// whose runs are mostly a few bytes long do well to test the first of them before they call.
+#pragma once
+
+#include <stdint.h>
+
+#include "zelchmx.h"
+
+namespace zel::kernels {
+
+/// The first byte equal to c.
+int findByte(const Zel8u* p, int len, Zel8u c);
+/// The first byte not equal to c.
+int findByteNot(const Zel8u* p, int len, Zel8u c);
+/// The last byte equal to c.
+int findByteRev(const Zel8u* p, int len, Zel8u c);
+
+/// The first byte equal to one of two, or of three.
+int findByte2(const Zel8u* p, int len, Zel8u a, Zel8u b);
+int findByte3(const Zel8u* p, int len, Zel8u a, Zel8u b, Zel8u c);
+
+/// The first or last byte that is, or is not, in a set of bytes: four words, where bit c & 63 of
+/// set[c >> 6] says whether c is a member.
+int findByteIn(const Zel8u* p, int len, const uint64_t* set);
+int findByteNotIn(const Zel8u* p, int len, const uint64_t* set);
+int findByteInRev(const Zel8u* p, int len, const uint64_t* set);
+int findByteNotInRev(const Zel8u* p, int len, const uint64_t* set);
+
+/// Where a needle of at least one byte stands first, or last.
+int findBytes(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
+int findBytesRev(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
+/// Where it stands first when the letters A-Z and a-z are alike, in text and needle.
+int findBytesIgnoreCase(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
+
+/// How many of the bytes are UTF-8 continuations, 0x80 to 0xBF.
+int countUtf8Continuations(const Zel8u* p, int len);
+
+}  // namespace zel::kernels
+
+/// The functions of this page, as a list to expand.
+#define ZEL_KERNELS(X)                                                                            \
+    X(findByte)                                                                                   \
+    X(findByteNot)                                                                                \
+    X(findByteRev)                                                                                \
+    X(findByte2) X(findByte3) X(findByteIn) X(findByteNotIn) X(findByteInRev) X(findByteNotInRev) \
+        X(findBytes) X(findBytesRev) X(findBytesIgnoreCase) X(countUtf8Continuations)

@@ -1,0 +1,157 @@
+// Membership of bytes in an arbitrary set, a vector of bytes at a time.
+//
+// AVX-512: a two-register permute looks up the low 7 bits of every byte in a table of 128 whose bit
+// 7 stands for the byte itself and bit 6 for the byte plus 128; the byte's own top bit chooses.
+// AVX2: the set as a bitmap of 32 bytes is its own table: bits 3-6 of a byte choose a row in one of
+// its halves, bits 0-2 the bit of the row. SSE2 has no byte shuffle and looks up one byte at a
+// time.
+#pragma once
+
+#include "string/kernels/scan.h"
+
+namespace zel::ZEL_ISA {
+
+#if defined(ZEL_ISA_AVX512)
+
+/// Bit 7 of a byte says that it hits.
+struct SignHits {
+    __m512i v;
+    ZEL_INLINE Mask<Zel8u> mask() const { return {_mm512_movepi8_mask(v)}; }
+    ZEL_INLINE bool any() const { return mask().any(); }
+    friend ZEL_INLINE SignHits operator|(SignHits a, SignHits b) {
+        return {_mm512_or_si512(a.v, b.v)};
+    }
+};
+
+struct ByteClass {
+    using HitsType = SignHits;
+    static constexpr int kLanes = 64;
+    __m512i low;
+    __m512i high;
+
+    /// From a table of 256 bytes, 0x80 for a member and 0 for any other byte.
+    ZEL_INLINE static ByteClass fromTable(const Zel8u* table) {
+        const auto half = [table](int at) {
+            const __m512i top = _mm512_loadu_si512(table + at);
+            const __m512i next = _mm512_loadu_si512(table + at + 128);
+            return _mm512_or_si512(top, _mm512_srli_epi16(next, 1));
+        };
+        return {half(0), half(64)};
+    }
+    ZEL_INLINE static ByteClass fromWords(const uint64_t* set) {
+        const auto half = [set](int at) {
+            const __m512i top = _mm512_maskz_set1_epi8(set[at], static_cast<char>(0x80));
+            const __m512i next = _mm512_maskz_set1_epi8(set[at + 2], 0x40);
+            return _mm512_or_si512(top, next);
+        };
+        return {half(0), half(1)};
+    }
+
+    ZEL_INLINE SignHits hits(Vec<Zel8u> text) const {
+        constexpr int kAChoosesBElseC = 0xCA;
+        const __m512i found = _mm512_permutex2var_epi8(low, text.v, high);
+        const __m512i next = _mm512_add_epi8(found, found);
+        return {_mm512_ternarylogic_epi64(text.v, next, found, kAChoosesBElseC)};
+    }
+    ZEL_INLINE SignHits hits(const Zel8u* p) const { return hits(Vec<Zel8u>::load(p)); }
+    ZEL_INLINE Mask<Zel8u> maskFirst(const Zel8u* p, int n) const {
+        return hits(Vec<Zel8u>::loadFirst(p, n)).mask() & Mask<Zel8u>::firstN(n);
+    }
+};
+
+#elif defined(ZEL_ISA_AVX2)
+
+struct ByteClass {
+    using HitsType = Hits<Zel8u>;
+    static constexpr int kLanes = 32;
+    __m256i low;   // rows of the bytes below 128, in both lanes
+    __m256i high;  // rows of the others
+
+    ZEL_INLINE static ByteClass fromWords(const uint64_t* set) {
+        const auto rows = [set](int at) {
+            return _mm256_broadcastsi128_si256(
+                _mm_loadu_si128(reinterpret_cast<const __m128i*>(set + at)));
+        };
+        return {rows(0), rows(2)};
+    }
+    ZEL_INLINE static ByteClass fromTable(const Zel8u* table) {
+        uint64_t set[4];
+        for (int i = 0; i < 4; ++i) {
+            const auto half = [table, i](int at) {
+                const Vec<Zel8u> v = Vec<Zel8u>::load(table + 64 * i + at);
+                return uint64_t{static_cast<unsigned>(_mm256_movemask_epi8(v.v))};
+            };
+            set[i] = half(0) | half(32) << 32;
+        }
+        return fromWords(set);
+    }
+
+    ZEL_INLINE Hits<Zel8u> hits(Vec<Zel8u> text) const {
+        const __m256i top = _mm256_set1_epi8(static_cast<char>(0x80));
+        const __m256i bitOf = _mm256_set1_epi64x(static_cast<long long>(0x8040201008040201));
+        // A byte shuffle gives zero where the index has its top bit set, so each half of the set
+        // answers for its own bytes only.
+        const __m256i row =
+            _mm256_or_si256(_mm256_and_si256(_mm256_srli_epi16(text.v, 3), _mm256_set1_epi8(0x0F)),
+                            _mm256_and_si256(text.v, top));
+        const __m256i rows = _mm256_or_si256(_mm256_shuffle_epi8(low, row),
+                                             _mm256_shuffle_epi8(high, _mm256_xor_si256(row, top)));
+        const __m256i bit =
+            _mm256_shuffle_epi8(bitOf, _mm256_and_si256(text.v, _mm256_set1_epi8(7)));
+        return {_mm256_cmpeq_epi8(_mm256_and_si256(rows, bit), bit)};
+    }
+    ZEL_INLINE Hits<Zel8u> hits(const Zel8u* p) const { return hits(Vec<Zel8u>::load(p)); }
+    ZEL_INLINE Mask<Zel8u> maskFirst(const Zel8u* p, int n) const {
+        return hits(Vec<Zel8u>::loadFirst(p, n)).mask() & Mask<Zel8u>::firstN(n);
+    }
+};
+
+#else
+
+struct ByteClass {
+    static constexpr int kLanes = 16;
+    uint64_t words[4];
+
+    static ByteClass fromWords(const uint64_t* set) { return {{set[0], set[1], set[2], set[3]}}; }
+    static ByteClass fromTable(const Zel8u* table) {
+        ByteClass result;
+        for (int i = 0; i < 16; ++i) {
+            const Vec<Zel8u> v = Vec<Zel8u>::load(table + 16 * i);
+            const auto bits = static_cast<unsigned>(_mm_movemask_epi8(v.v));
+            const uint64_t low = i % 4 == 0 ? 0 : result.words[i / 4];
+            result.words[i / 4] = low | uint64_t{bits} << (16 * (i % 4));
+        }
+        return result;
+    }
+
+    bool has(Zel8u byte) const { return (words[byte >> 6] >> (byte & 63)) & 1; }
+    MaskHits<Zel8u> hits(const Zel8u* p) const { return {maskFirst(p, kLanes)}; }
+    Mask<Zel8u> maskFirst(const Zel8u* p, int n) const {
+        uint64_t bits = 0;
+        for (int i = 0; i < n; ++i) bits |= uint64_t{has(p[i])} << i;
+        return {bits};
+    }
+};
+
+#endif
+
+/// The class of the low bytes of the n elements at p.
+template <typename T>
+ZEL_INLINE ByteClass byteClassOf(const T* p, ptrdiff_t n) {
+    alignas(64) Zel8u table[256] = {};
+    for (ptrdiff_t i = 0; i < n; ++i) table[p[i] & 0xFF] = 0x80;
+    return ByteClass::fromTable(table);
+}
+
+/// The bytes that are not in a class.
+struct NotInClass {
+    static constexpr int kLanes = ByteClass::kLanes;
+    ByteClass members;
+
+    ZEL_INLINE MaskHits<Zel8u> hits(const Zel8u* p) const { return {~members.hits(p).mask()}; }
+    ZEL_INLINE Mask<Zel8u> maskFirst(const Zel8u* p, int n) const {
+        return ~members.maskFirst(p, n) & Mask<Zel8u>::firstN(n);
+    }
+};
+
+}  // namespace zel::ZEL_ISA

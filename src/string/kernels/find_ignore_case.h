@@ -1,0 +1,128 @@
+// Search for a string of bytes in which the letters A-Z and a-z are alike. The filter of
+// find_string.h with probes that fold: a letter is looked for in its small form among the text's
+// bytes with bit 5 set, which no other byte than its two forms can produce.
+#pragma once
+
+#include "string/kernels/find_element.h"
+
+namespace zel::ZEL_ISA {
+
+template <typename T>
+ZEL_INLINE Vec<T> toLowerLatin(Vec<T> v) {
+    return addInRange(v, T{'A'}, T{26}, T{'a' - 'A'});
+}
+
+ZEL_INLINE bool isLatinLetter(Zel8u c) {
+    return static_cast<unsigned>((c | 0x20) - 'a') < 26;
+}
+
+/// One byte to look for, in either case.
+struct FoldedByte {
+    static constexpr int kLanes = Vec<Zel8u>::kLanes;
+    Vec<Zel8u> caseBit;
+    Vec<Zel8u> value;
+
+    ZEL_INLINE explicit FoldedByte(Zel8u c) {
+        const Zel8u bit = isLatinLetter(c) ? 0x20 : 0;
+        caseBit = Vec<Zel8u>::splat(bit);
+        value = Vec<Zel8u>::splat(c | bit);
+    }
+    ZEL_INLINE Hits<Zel8u> hits(Vec<Zel8u> v) const { return equal(v | caseBit, value); }
+    ZEL_INLINE Hits<Zel8u> hits(const Zel8u* p) const { return hits(Vec<Zel8u>::load(p)); }
+    ZEL_INLINE Mask<Zel8u> maskFirst(const Zel8u* p, int n) const {
+        return hits(Vec<Zel8u>::loadFirst(p, n)).mask() & Mask<Zel8u>::firstN(n);
+    }
+};
+
+ZEL_INLINE bool isSameFolded(const Zel8u* a, const Zel8u* b, ptrdiff_t len) {
+    using V = Vec<Zel8u>;
+    constexpr ptrdiff_t n = V::kLanes;
+    for (; len > n; a += n, b += n, len -= n) {
+        const uint64_t same = equalBits(toLowerLatin(V::load(a)), toLowerLatin(V::load(b)));
+        if (same != Mask<Zel8u>::all().bits) return false;
+    }
+    const int rest = static_cast<int>(len);
+    const uint64_t same =
+        equalBits(toLowerLatin(V::loadFirst(a, rest)), toLowerLatin(V::loadFirst(b, rest)));
+    return (~Mask<Zel8u>{same} & Mask<Zel8u>::firstN(rest)).bits == 0;
+}
+
+/// The first verified start among those of a block that a mask names, or kNotFound.
+ZEL_INLINE int firstFolded(const Zel8u* block, Mask<Zel8u> mask, const Zel8u* needle, int len) {
+    for (; mask.any(); mask = mask.withoutFirst()) {
+        if (isSameFolded(block + mask.first(), needle, len)) return mask.first();
+    }
+    return kNotFound;
+}
+
+/// A block of starts that have the right first, last and middle byte.
+struct FoldedPattern {
+    FoldedByte first;
+    FoldedByte middle;
+    FoldedByte last;
+    ptrdiff_t middleAt;
+    ptrdiff_t lastAt;
+
+    ZEL_INLINE FoldedPattern(const Zel8u* needle, int len)
+        : first(needle[0]),
+          middle(needle[len / 2]),
+          last(needle[len - 1]),
+          middleAt(len / 2),
+          lastAt(len - 1) {}
+
+    ZEL_INLINE Hits<Zel8u> hits(const Zel8u* p) const {
+        return first.hits(p) & last.hits(p + lastAt);
+    }
+    ZEL_INLINE Mask<Zel8u> refine(const Zel8u* p, Hits<Zel8u> found) const {
+        return (found & middle.hits(p + middleAt)).mask();
+    }
+    ZEL_INLINE Mask<Zel8u> maskFirst(const Zel8u* p, int n) const {
+        return first.maskFirst(p, n) & last.maskFirst(p + lastAt, n);
+    }
+};
+
+[[gnu::noinline]] inline int findStringIgnoreCaseLong(const Zel8u* src, ptrdiff_t starts,
+                                                      const Zel8u* needle, int len) {
+    constexpr ptrdiff_t n = Vec<Zel8u>::kLanes;
+    const FoldedPattern pattern(needle, len);
+    const Zel8u* const end = src + starts;
+    const Zel8u* p = src;
+    const auto firstIn = [&](const Zel8u* block, Hits<Zel8u> found) {
+        const int i = firstFolded(block, pattern.refine(block, found), needle, len);
+        return i == kNotFound ? kNotFound : static_cast<int>(block - src) + i;
+    };
+    for (; end - p >= 2 * n; p += 2 * n) {
+        const Hits<Zel8u> a = pattern.hits(p);
+        const Hits<Zel8u> b = pattern.hits(p + n);
+        if (!(a | b).any()) [[likely]]
+            continue;
+        if (const int i = firstIn(p, a); i >= 0) return i;
+        if (const int i = firstIn(p + n, b); i >= 0) return i;
+    }
+    // The last block or two repeat starts that were refused before.
+    const Zel8u* const block = end - p > n ? p : end - n;
+    if (const int i = firstIn(block, pattern.hits(block)); i >= 0) return i;
+    return firstIn(end - n, pattern.hits(end - n));
+}
+
+/// First position of the needle, which has at least one byte, or kNotFound.
+ZEL_INLINE int findStringIgnoreCase(const Zel8u* src, int len, const Zel8u* needle, int lenNeedle) {
+    if (lenNeedle > len) return kNotFound;
+    if (lenNeedle == 1) return firstHit(src, len, FoldedByte(needle[0]));
+    const int starts = len - lenNeedle + 1;
+    if (starts > Vec<Zel8u>::kLanes)
+        return findStringIgnoreCaseLong(src, starts, needle, lenNeedle);
+    const FoldedPattern pattern(needle, lenNeedle);
+    return firstFolded(src, pattern.maskFirst(src, starts), needle, lenNeedle);
+}
+
+/// Number of UTF-8 continuation bytes.
+ZEL_INLINE int countContinuations(const Zel8u* p, int len) {
+    using V = Vec<Zel8u>;
+    int count = 0;
+    for (; len > V::kLanes; p += V::kLanes, len -= V::kLanes)
+        count += continuations(V::load(p)).count();
+    return count + (continuations(V::loadFirst(p, len)) & Mask<Zel8u>::firstN(len)).count();
+}
+
+}  // namespace zel::ZEL_ISA

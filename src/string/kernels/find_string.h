@@ -1,0 +1,153 @@
+// Search for a string: a block of starts is filtered by the pattern's first and last element, what
+// is left by a third element between them, and only what passes all three is compared. The third
+// element is one that differs from the first where the pattern has such a one, so that neither runs
+// of one element in the text nor a pattern made of few elements let every start through.
+//
+// Positions are those of the pattern's first element; a block of starts reads its first elements
+// and, the pattern's length further on, its last ones, both inside the text.
+#pragma once
+
+#include "string/kernels/find_element.h"
+#include "string/kernels/same.h"
+
+namespace zel::ZEL_ISA {
+
+template <typename T>
+struct Pattern {
+    using V = Vec<T>;
+    const T* elements;
+    ptrdiff_t len;  // at least 2
+    V first;
+    V last;
+
+    ZEL_INLINE Pattern(const T* p, int n)
+        : elements(p), len(n), first(V::splat(p[0])), last(V::splat(p[n - 1])) {}
+
+    /// The starts of the block at p that have the right first and last element.
+    ZEL_INLINE Hits<T> hits(const T* p) const {
+        return andEqual(equal(V::load(p), first), V::load(p + len - 1), last);
+    }
+    /// The same among the first n starts.
+    ZEL_INLINE Mask<T> maskFirst(const T* p, int n) const {
+        const uint64_t bits =
+            equalBits(V::loadFirst(p, n), first) & equalBits(V::loadFirst(p + len - 1, n), last);
+        return Mask<T>{bits} & Mask<T>::firstN(n);
+    }
+    ZEL_INLINE bool standsAt(const T* p) const { return isSame(p + 1, elements + 1, len - 2); }
+
+    /// Where the third probe looks.
+    ptrdiff_t thirdProbe() const {
+        const ptrdiff_t middle = len / 2;
+        if (elements[middle] != elements[0]) return middle;
+        for (ptrdiff_t i = 1; i < len - 1; ++i) {
+            if (elements[i] != elements[0]) return i;
+        }
+        return middle;
+    }
+};
+
+/// The starts that pass the first two probes, checked further.
+template <typename T>
+struct Candidates {
+    using V = Vec<T>;
+    const Pattern<T>& pattern;
+    ptrdiff_t probeAt;
+    V probe;
+
+    ZEL_INLINE explicit Candidates(const Pattern<T>& p)
+        : pattern(p), probeAt(p.thirdProbe()), probe(V::splat(p.elements[probeAt])) {}
+
+    ZEL_INLINE int first(const T* block, Mask<T> mask) const {
+        mask = mask & Mask<T>{equalBits(V::load(block + probeAt), probe)};
+        for (; mask.any(); mask = mask.withoutFirst()) {
+            if (pattern.standsAt(block + mask.first())) return mask.first();
+        }
+        return kNotFound;
+    }
+    ZEL_INLINE int last(const T* block, Mask<T> mask) const {
+        mask = mask & Mask<T>{equalBits(V::load(block + probeAt), probe)};
+        for (; mask.any(); mask = mask.without(mask.last())) {
+            if (pattern.standsAt(block + mask.last())) return mask.last();
+        }
+        return kNotFound;
+    }
+};
+
+/// For more starts than one block has.
+template <typename T>
+[[gnu::noinline]] int findStringLong(const T* src, ptrdiff_t starts, const T* elements, int len) {
+    constexpr ptrdiff_t n = Vec<T>::kLanes;
+    const Pattern<T> pattern(elements, len);
+    const Candidates<T> candidates(pattern);
+    const T* const end = src + starts;
+    const T* p = src;
+    const auto at = [src](const T* block, int i) { return static_cast<int>(block - src) + i; };
+    for (; end - p >= 2 * n; p += 2 * n) {
+        const Hits<T> a = pattern.hits(p);
+        const Hits<T> b = pattern.hits(p + n);
+        if (!(a | b).any()) [[likely]]
+            continue;
+        if (const int i = candidates.first(p, a.mask()); i >= 0) return at(p, i);
+        if (const int i = candidates.first(p + n, b.mask()); i >= 0) return at(p + n, i);
+    }
+    // The last block or two repeat starts that were refused before.
+    const T* const block = end - p > n ? p : end - n;
+    if (const int i = candidates.first(block, pattern.hits(block).mask()); i >= 0)
+        return at(block, i);
+    if (const int i = candidates.first(end - n, pattern.hits(end - n).mask()); i >= 0)
+        return at(end - n, i);
+    return kNotFound;
+}
+
+template <typename T>
+[[gnu::noinline]] int findStringRevLong(const T* src, ptrdiff_t starts, const T* elements,
+                                        int len) {
+    constexpr ptrdiff_t n = Vec<T>::kLanes;
+    const Pattern<T> pattern(elements, len);
+    const Candidates<T> candidates(pattern);
+    const T* p = src + starts;
+    const auto at = [src](const T* block, int i) { return static_cast<int>(block - src) + i; };
+    for (; p - src >= 2 * n; p -= 2 * n) {
+        const Hits<T> a = pattern.hits(p - n);
+        const Hits<T> b = pattern.hits(p - 2 * n);
+        if (!(a | b).any()) [[likely]]
+            continue;
+        if (const int i = candidates.last(p - n, a.mask()); i >= 0) return at(p - n, i);
+        if (const int i = candidates.last(p - 2 * n, b.mask()); i >= 0) return at(p - 2 * n, i);
+    }
+    const T* const block = p - src > n ? p - n : src;
+    if (const int i = candidates.last(block, pattern.hits(block).mask()); i >= 0)
+        return at(block, i);
+    if (const int i = candidates.last(src, pattern.hits(src).mask()); i >= 0) return at(src, i);
+    return kNotFound;
+}
+
+/// First position of the pattern, or kNotFound. An empty pattern is never found.
+template <typename T>
+ZEL_INLINE int findString(const T* src, int len, const T* elements, int lenPattern) {
+    if (lenPattern < 2) return lenPattern == 0 ? kNotFound : findElement(src, len, elements[0]);
+    if (lenPattern > len) return kNotFound;
+    const int starts = len - lenPattern + 1;
+    if (starts > Vec<T>::kLanes) return findStringLong(src, starts, elements, lenPattern);
+    const Pattern<T> pattern(elements, lenPattern);
+    for (Mask<T> m = pattern.maskFirst(src, starts); m.any(); m = m.withoutFirst()) {
+        if (pattern.standsAt(src + m.first())) return m.first();
+    }
+    return kNotFound;
+}
+
+/// Last position of the pattern, or kNotFound. An empty pattern is never found.
+template <typename T>
+ZEL_INLINE int findStringRev(const T* src, int len, const T* elements, int lenPattern) {
+    if (lenPattern < 2) return lenPattern == 0 ? kNotFound : findElementRev(src, len, elements[0]);
+    if (lenPattern > len) return kNotFound;
+    const int starts = len - lenPattern + 1;
+    if (starts > Vec<T>::kLanes) return findStringRevLong(src, starts, elements, lenPattern);
+    const Pattern<T> pattern(elements, lenPattern);
+    for (Mask<T> m = pattern.maskFirst(src, starts); m.any(); m = m.without(m.last())) {
+        if (pattern.standsAt(src + m.last())) return m.last();
+    }
+    return kNotFound;
+}
+
+}  // namespace zel::ZEL_ISA

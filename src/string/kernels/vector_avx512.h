@@ -1,0 +1,134 @@
+// The vector model of AVX-512 with byte and word instructions: 64 bytes, real masks.
+#pragma once
+
+namespace zel::ZEL_ISA {
+
+ZEL_INLINE uint64_t lowBits(int n) {
+    return _bzhi_u64(~uint64_t{0}, static_cast<unsigned>(n));
+}
+ZEL_INLINE int countTrailingZeros(uint64_t bits) {
+    return static_cast<int>(_tzcnt_u64(bits));
+}
+
+}  // namespace zel::ZEL_ISA
+
+#include "string/kernels/mask.h"
+
+namespace zel::ZEL_ISA {
+
+template <typename T>
+struct Vec {
+    static constexpr int kBytes = 64;
+    static constexpr int kLanes = kBytes / static_cast<int>(sizeof(T));
+    static constexpr int kMaskStep = 1;
+    __m512i v;
+
+    ZEL_INLINE static Vec zero() { return {_mm512_setzero_si512()}; }
+    ZEL_INLINE static Vec splat(T x) {
+        if constexpr (sizeof(T) == 1)
+            return {_mm512_set1_epi8(static_cast<char>(x))};
+        else
+            return {_mm512_set1_epi16(static_cast<short>(x))};
+    }
+    ZEL_INLINE static Vec load(const T* p) { return {_mm512_loadu_si512(p)}; }
+    ZEL_INLINE static Vec loadFirst(const T* p, int n) {
+        if constexpr (sizeof(T) == 1)
+            return {_mm512_maskz_loadu_epi8(lowBits(n), p)};
+        else
+            return {_mm512_maskz_loadu_epi16(static_cast<__mmask32>(lowBits(n)), p)};
+    }
+    ZEL_INLINE void store(T* p) const { _mm512_storeu_si512(p, v); }
+    ZEL_INLINE void storeFirst(T* p, int n) const {
+        if constexpr (sizeof(T) == 1)
+            _mm512_mask_storeu_epi8(p, lowBits(n), v);
+        else
+            _mm512_mask_storeu_epi16(p, static_cast<__mmask32>(lowBits(n)), v);
+    }
+};
+
+template <typename T>
+ZEL_INLINE Vec<T> operator^(Vec<T> a, Vec<T> b) {
+    return {_mm512_xor_si512(a.v, b.v)};
+}
+template <typename T>
+ZEL_INLINE Vec<T> operator&(Vec<T> a, Vec<T> b) {
+    return {_mm512_and_si512(a.v, b.v)};
+}
+template <typename T>
+ZEL_INLINE Vec<T> operator|(Vec<T> a, Vec<T> b) {
+    return {_mm512_or_si512(a.v, b.v)};
+}
+
+template <typename T>
+ZEL_INLINE uint64_t equalBits(Vec<T> a, Vec<T> b) {
+    if constexpr (sizeof(T) == 1)
+        return _mm512_cmpeq_epi8_mask(a.v, b.v);
+    else
+        return _mm512_cmpeq_epi16_mask(a.v, b.v);
+}
+
+/// A lane is zero where it hits.
+template <typename T>
+struct Hits {
+    __m512i miss;
+
+    ZEL_INLINE Mask<T> mask() const {
+        if constexpr (sizeof(T) == 1)
+            return {_mm512_testn_epi8_mask(miss, miss)};
+        else
+            return {_mm512_testn_epi16_mask(miss, miss)};
+    }
+    ZEL_INLINE bool any() const { return mask().any(); }
+    friend ZEL_INLINE Hits operator|(Hits a, Hits b) {
+        if constexpr (sizeof(T) == 1)
+            return {_mm512_min_epu8(a.miss, b.miss)};
+        else
+            return {_mm512_min_epu16(a.miss, b.miss)};
+    }
+    friend ZEL_INLINE Hits operator&(Hits a, Hits b) { return {_mm512_or_si512(a.miss, b.miss)}; }
+};
+
+template <typename T>
+ZEL_INLINE Hits<T> equal(Vec<T> a, Vec<T> b) {
+    return {_mm512_xor_si512(a.v, b.v)};
+}
+/// hits & equal(a, b) in one instruction.
+template <typename T>
+ZEL_INLINE Hits<T> andEqual(Hits<T> hits, Vec<T> a, Vec<T> b) {
+    constexpr int kAOrBXorC = 0xF6;
+    return {_mm512_ternarylogic_epi64(hits.miss, a.v, b.v, kAOrBXorC)};
+}
+
+/// Two vectors of units as one of bytes, groups of eight units of a and b taking turns: saturated
+/// (units of 0x100 to 0x7FFF to 0xFF, those above to 0), the low bytes, the high bytes.
+ZEL_INLINE Vec<Zel8u> packSaturated(Vec<Zel16u> a, Vec<Zel16u> b) {
+    return {_mm512_packus_epi16(a.v, b.v)};
+}
+ZEL_INLINE Vec<Zel8u> packLow(Vec<Zel16u> a, Vec<Zel16u> b) {
+    const Vec<Zel16u> low = Vec<Zel16u>::splat(0xFF);
+    return packSaturated(a & low, b & low);
+}
+ZEL_INLINE Vec<Zel8u> packHigh(Vec<Zel16u> a, Vec<Zel16u> b) {
+    return {_mm512_packus_epi16(_mm512_srli_epi16(a.v, 8), _mm512_srli_epi16(b.v, 8))};
+}
+
+/// Adds delta to the elements from low to low + count - 1.
+template <typename T>
+ZEL_INLINE Vec<T> addInRange(Vec<T> v, T low, T count, T delta) {
+    const __m512i limit = Vec<T>::splat(count).v;
+    const __m512i step = Vec<T>::splat(delta).v;
+    if constexpr (sizeof(T) == 1) {
+        const __m512i offset = _mm512_sub_epi8(v.v, Vec<T>::splat(low).v);
+        return {_mm512_mask_add_epi8(v.v, _mm512_cmplt_epu8_mask(offset, limit), v.v, step)};
+    } else {
+        const __m512i offset = _mm512_sub_epi16(v.v, Vec<T>::splat(low).v);
+        return {_mm512_mask_add_epi16(v.v, _mm512_cmplt_epu16_mask(offset, limit), v.v, step)};
+    }
+}
+
+/// The bytes from 0x80 to 0xBF.
+ZEL_INLINE Mask<Zel8u> continuations(Vec<Zel8u> v) {
+    return {_mm512_cmplt_epi8_mask(v.v, _mm512_set1_epi8(-64))};
+}
+
+}  // namespace zel::ZEL_ISA
