@@ -1,7 +1,9 @@
-// The exported block primitives: copy, move and clear.
+// The exported block primitives, copy, move and clear, and the workers behind ownsCopy_8u and
+// ownsZero_8u.
 #include "core/block.h"
 
 #include "core/checks.h"
+#include "string/kernels/instances.h"
 #include "string/kernels/isa.h"
 #include "zelchmx.h"
 
@@ -46,8 +48,16 @@ ZelStatus zelsMove_16s(const Zel16s* pSrc, Zel16s* pDst, int len) {
 ZelStatus zelsZero_8u(Zel8u* pDst, int len) {
     if (anyNull(pDst)) return zelStatusNullPointer;
     if (len < 1) return zelStatusSizeError;
-    ownsZero_8u(pDst, len);
+    clearRange(pDst, len);
     return zelStatusOk;
+}
+
+void copyBytes(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+    copyForward(src, dst, n);
+}
+
+void zeroBytes(Zel8u* dst, ptrdiff_t n) {
+    clearRange(dst, n);
 }
 
 }  // namespace zel::ZEL_ISA

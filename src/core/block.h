@@ -1,6 +1,5 @@
-// The two block workers through which the library itself copies and clears memory. Both take a byte
-// count that may be zero or negative, which does nothing, so that callers need no test of their
-// own.
+// Copying, moving and clearing of valid ranges, by bytes. A count may be zero or negative, which
+// does nothing.
 #pragma once
 
 #include <stddef.h>
@@ -13,27 +12,24 @@ namespace zel::ZEL_ISA {
 
 /// Copies n bytes as if one by one from index 0 up, also when the ranges overlap: a copy to a lower
 /// address is exact, a copy to a higher one inside the source repeats the leading bytes.
-/// The count is 64 bits wide because 2^31 - 1 elements of 16 bits need it. Returns dst.
-inline Zel8u* ownsCopy_8u(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
-    if (n < 1 || src == dst) return dst;
+inline void copyForward(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+    if (n < 1 || src == dst) return;
     const bool repeats = src < dst && dst < src + n;
     if (!repeats) {
         memmove(dst, src, static_cast<size_t>(n));
-        return dst;
+        return;
     }
     for (ptrdiff_t i = 0; i < n; ++i) dst[i] = src[i];
-    return dst;
 }
 
-/// Clears n bytes. Returns dst.
-inline Zel8u* ownsZero_8u(Zel8u* dst, ptrdiff_t n) {
-    if (n < 1) return dst;
+/// Clears n bytes.
+inline void clearRange(Zel8u* dst, ptrdiff_t n) {
+    if (n < 1) return;
     memset(dst, 0, static_cast<size_t>(n));
-    return dst;
 }
 
 /// Moves n bytes so that overlapping ranges keep their content in either direction.
-inline void moveBytes(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+inline void moveRange(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
     if (n < 1) return;
     memmove(dst, src, static_cast<size_t>(n));
 }
@@ -41,13 +37,13 @@ inline void moveBytes(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
 /// The element forms: n counts elements of T.
 template <typename T>
 void copyElements(const T* src, T* dst, ptrdiff_t n) {
-    ownsCopy_8u(reinterpret_cast<const Zel8u*>(src), reinterpret_cast<Zel8u*>(dst),
+    copyForward(reinterpret_cast<const Zel8u*>(src), reinterpret_cast<Zel8u*>(dst),
                 n * static_cast<ptrdiff_t>(sizeof(T)));
 }
 
 template <typename T>
 void moveElements(const T* src, T* dst, ptrdiff_t n) {
-    moveBytes(reinterpret_cast<const Zel8u*>(src), reinterpret_cast<Zel8u*>(dst),
+    moveRange(reinterpret_cast<const Zel8u*>(src), reinterpret_cast<Zel8u*>(dst),
               n * static_cast<ptrdiff_t>(sizeof(T)));
 }
 

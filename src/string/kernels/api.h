@@ -8,6 +8,7 @@
 // whose runs are mostly a few bytes long do well to test the first of them before they call.
 #pragma once
 
+#include <stddef.h>
 #include <stdint.h>
 
 #include "zelchmx.h"
@@ -38,6 +39,10 @@ int findBytesRev(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
 /// Where it stands first when the letters A-Z and a-z are alike, in text and needle.
 int findBytesIgnoreCase(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
 
+/// The work of ownsCopy_8u and ownsZero_8u of core/memory.h, which say what it is.
+void copyBytes(const Zel8u* src, Zel8u* dst, ptrdiff_t n);
+void zeroBytes(Zel8u* dst, ptrdiff_t n);
+
 /// How many of the bytes are UTF-8 continuations, 0x80 to 0xBF.
 int countUtf8Continuations(const Zel8u* p, int len);
 
@@ -48,5 +53,6 @@ int countUtf8Continuations(const Zel8u* p, int len);
     X(findByte)                                                                                   \
     X(findByteNot)                                                                                \
     X(findByteRev)                                                                                \
-    X(findByte2) X(findByte3) X(findByteIn) X(findByteNotIn) X(findByteInRev) X(findByteNotInRev) \
-        X(findBytes) X(findBytesRev) X(findBytesIgnoreCase) X(countUtf8Continuations)
+    X(findByte2)                                                                                  \
+    X(findByte3) X(findByteIn) X(findByteNotIn) X(findByteInRev) X(findByteNotInRev) X(findBytes) \
+        X(findBytesRev) X(findBytesIgnoreCase) X(countUtf8Continuations) X(copyBytes) X(zeroBytes)
