@@ -67,13 +67,15 @@ bool takeOption(const char* argument, const char* option, std::string& value) {
 
 }  // namespace
 
-Suite::Suite(const char* name, int argc, char** argv) : name_(name), rowFilter_(".") {
+Suite::Suite(const char* name, int argc, char** argv)
+    : name_(name), rowFilter_("."), contestantFilter_(".") {
     std::vector<std::string> passedOn;
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--quick") == 0) {
             quick_ = true;
         } else if (!takeOption(argv[i], "--out=", outPath_) &&
-                   !takeOption(argv[i], "--rows=", rowFilter_)) {
+                   !takeOption(argv[i], "--rows=", rowFilter_) &&
+                   !takeOption(argv[i], "--contestants=", contestantFilter_)) {
             passedOn.emplace_back(argv[i]);
         }
     }
@@ -96,6 +98,7 @@ bool Suite::wants(const Row& row) const {
 void Suite::run(const Row& row, const std::vector<Runner>& runners, std::size_t calls) {
     begin(row);
     for (const Runner& runner : runners) {
+        if (!takesPart(runner.name)) continue;
         const double began = now();
         std::int64_t answer = 0;
         try {
@@ -112,6 +115,10 @@ void Suite::run(const Row& row, const std::vector<Runner>& runners, std::size_t 
               });
     }
     measure(calls);
+}
+
+bool Suite::takesPart(const std::string& contestant) const {
+    return std::regex_search(contestant, std::regex(contestantFilter_));
 }
 
 void Suite::begin(const Row& row) {
@@ -138,6 +145,7 @@ void Suite::enter(const std::string& name, Kind kind, const Answers& answers, do
             return;
         }
     }
+    if (!takesPart(name)) return;
     entrants_.push_back({name, kind, std::move(loop), {}});
     if (seconds > kSlowPassSeconds)
         entrants_.back().samples = {seconds / static_cast<double>(calls) * 1e9};

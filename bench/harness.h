@@ -114,7 +114,8 @@ concept SignOnly = Tag::signOnly;
 
 class Suite {
 public:
-    // Options: --out=FILE (CSV), --rows=REGEX, --quick, and everything that Google Benchmark takes.
+    // Options: --out=FILE (CSV), --rows=REGEX, --contestants=REGEX (for a profile of one of them),
+    // --quick, and everything that Google Benchmark takes.
     Suite(const char* name, int argc, char** argv);
 
     bool quick() const { return quick_; }
@@ -175,6 +176,7 @@ private:
         }
     }
 
+    bool takesPart(const std::string& contestant) const;
     void begin(const Row& row);
     void enter(const std::string& name, Kind kind, const Answers& answers, double seconds,
                std::size_t calls, std::function<void(benchmark::State&)> loop);
@@ -188,6 +190,7 @@ private:
     std::string name_;
     std::string outPath_;
     std::string rowFilter_;
+    std::string contestantFilter_;
     bool quick_ = false;
     int failures_ = 0;
     int rowsRun_ = 0;
