@@ -43,15 +43,18 @@ struct AtomicGroup {
             context.steps = -1;
             return 1;
         }
-        const int entryLength = context.captures[0].length;
-        const int result = keepingCaptures(captures, context, [&] {
+        CaptureRecord& whole = context.captures[0];
+        return keepingCaptures(captures, context, [&] {
+            const int before = whole.length;
             if (!runSubprogram(open, text, length, context)) return 1;
+            const int taken = whole.length - before;
             const Zel8u* reached = context.reached;
             const int left = length - static_cast<int>(reached - text);
-            return reached == text ? runRest(text, length) : run(reached, left, count + 1);
+            const int result =
+                reached == text ? runRest(text, length) : run(reached, left, count + 1);
+            if (result != 0) whole.length -= taken;
+            return result;
         });
-        if (result != 0) context.captures[0].length = entryLength;
-        return result;
     }
 
     /// Everything behind `count` repetitions.

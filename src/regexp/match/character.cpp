@@ -65,8 +65,10 @@ Utf8Char decodeSigned(const Zel8u* text, const Zel8u* end) {
     return character;
 }
 
+/// The ends of a range compare as unsigned numbers.
 bool between(int value, const Node& range) {
-    return value >= range.value && value <= range.count;
+    const Zel32u code = static_cast<Zel32u>(value);
+    return code >= static_cast<Zel32u>(range.value) && code <= static_cast<Zel32u>(range.count);
 }
 
 bool mappingBetween(Zel32u mapping, const Node& range) {
@@ -76,7 +78,7 @@ bool mappingBetween(Zel32u mapping, const Node& range) {
 bool rangeAccepts(const Node& range, int codePoint, int length, bool ignoreCase) {
     if (between(codePoint, range)) return true;
     if (!ignoreCase) return false;
-    if (length == 1 && range.value < 0x100 && range.count < 0x100) {
+    if (length == 1 && static_cast<Zel32u>(range.count) < 0x100) {
         return isAsciiLetter(static_cast<Zel8u>(codePoint)) && between(codePoint ^ 0x20, range);
     }
     const UniEntry* entry = findUniEntry(codePoint);

@@ -32,27 +32,41 @@ struct RegExpMatchContext {
     const Zel8u* reached;  // where the last (sub)program that succeeded ended
     StackGuard stack;
     ClassCache classes;
+
+    /// Pays for `count` nodes that would each be executed and fail; false when the budget ends
+    /// before.
+    bool charge(ptrdiff_t count) {
+        if (count > steps) {
+            steps = -1;
+            return false;
+        }
+        steps -= static_cast<int>(count);
+        return true;
+    }
 };
 
 using NodeFunction = int(const Zel8u* text, int length, RegExpMatchContext& context);
 
 // engine.cpp
+/// Runs the program from `context.node` up to `context.end`.
 NodeFunction ownsRunFuncRegExp;
 
-// positions.cpp, back_references.cpp
+// positions.cpp
 NodeFunction ownsNodePosition;
+
+// back_references.cpp
 NodeFunction ownsNodeBackReference;
 NodeFunction ownsNodeBackReferenceQuantifierMin;
 NodeFunction ownsNodeBackReferenceQuantifierMax;
-
-// groups.cpp
-NodeFunction ownsNodeGrouping;
-NodeFunction ownsNodeGroupingClose;
 
 // atomic_groups.cpp
 int ownsNodeGroupingAtomQuantifierMax(const Zel8u* text, int length, RegExpMatchContext& context,
                                       int min, int max);
 NodeFunction ownsNodeGroupingAtomQuantifierMin;
+
+// conditions.cpp
+/// The body of the conditional group that opens at `context.node`, and everything behind it.
+NodeFunction runChosenBranch;
 
 // look_around.cpp
 /// Whether the look-around at `context.node` passes; leaves `node` unspecified, all else as it was,
@@ -62,26 +76,16 @@ bool lookAroundPasses(const Zel8u* text, int length, RegExpMatchContext& context
 /// the captures back when either fails.
 NodeFunction runLookAroundWithCaptures;
 
-// classes.cpp
-int ownsNodeCharacterClassQuantifierMax(const Zel8u* text, int length, RegExpMatchContext& context,
-                                        int minLeft, int maxLeft);
-int ownsNodeCharacterClassQuantifierMin(const Zel8u* text, int length, RegExpMatchContext& context,
-                                        int minLeft, int maxLeft);
-
-// letters.cpp
+// lazy_runs.cpp
 NodeFunction ownsNodeLetterQuantifierMin;
-NodeFunction ownsNodeLetterQuantifierMax;
 NodeFunction ownsNodeLetterRangeQuantifierMin;
-NodeFunction ownsNodeLetterRangeQuantifierMax;
+NodeFunction ownsNodeCharacterClassQuantifierMin;
 NodeFunction ownsNodeAnyByteQuantifierMin;
-NodeFunction ownsNodeAnyByteQuantifierMax;
 
-// letters_utf8.cpp
+// lazy_runs_utf8.cpp
 NodeFunction ownsNodeLetterQuantifierMinUtf8;
-NodeFunction ownsNodeLetterQuantifierMaxUtf8;
 NodeFunction ownsNodeLetterQuantifierMinUnicodeBlock;
 NodeFunction ownsNodeLetterQuantifierMinCombLetter;
-NodeFunction ownsNodeLetterQuantifierMaxCombLetter;
 
 /// The quantifier node right behind node `index`, or null.
 inline const Node* quantifierAt(const RegExpMatchContext& context, int index) {

@@ -1,17 +1,17 @@
-// The engine: walks the node array from `context.node` to `context.end`, executes single characters
-// and tests itself, and hands quantified and structured nodes to their node functions.
+// The engine: walks the node array from `context.node` to `context.end`. What a walk is stands in
+// walk.h; this file executes the nodes, greedy_runs.h and groups.h hold the node functions that
+// leave choices behind.
 //
-// The machine stack is the backtracking stack, and it holds choices only: a single character, a
-// literal run or an assertion is executed in the loop, which remembers what the straight line has
-// consumed and takes it off the whole match's length when the line fails. Each executed node costs
-// one step of the budget, counted before it runs; steps are visible to callers through the match
-// limit, so a node may neither be skipped nor executed twice. Node functions that call one another
-// directly cost nothing.
+// Each executed node costs one step of the budget, counted before it runs; steps are visible to
+// callers through the match limit, so a node may neither be skipped nor executed twice without
+// paying the same. Choices cost nothing themselves. Node functions that call one another directly
+// cost nothing either.
 #include <string.h>
 
-#include "regexp/match/character.h"
-#include "regexp/match/context.h"
-#include "regexp/match/predicates.h"
+#include "regexp/match/class_matcher.h"
+#include "regexp/match/greedy_runs.h"
+#include "regexp/match/groups.h"
+#include "regexp/match/walk.h"
 
 namespace zel {
 
@@ -25,25 +25,21 @@ bool sameText(const Zel8u* text, const Zel8u* pattern, int count, bool ignoreCas
     return true;
 }
 
-/// The node function of an atom in front of a quantifier.
-NodeFunction* quantifiedAtom(Zel32u kind, bool greedy) {
+/// The node function of an atom in front of a lazy quantifier.
+NodeFunction* lazyAtom(Zel32u kind) {
     switch (kind) {
         case NodeLetter:
-            return greedy ? ownsNodeLetterQuantifierMax : ownsNodeLetterQuantifierMin;
-        case NodeBackReference:
-            return greedy ? ownsNodeBackReferenceQuantifierMax : ownsNodeBackReferenceQuantifierMin;
+            return ownsNodeLetterQuantifierMin;
         case NodeLetterRange:
-            return greedy ? ownsNodeLetterRangeQuantifierMax : ownsNodeLetterRangeQuantifierMin;
+            return ownsNodeLetterRangeQuantifierMin;
         case NodeAnyByte:
-            return greedy ? ownsNodeAnyByteQuantifierMax : ownsNodeAnyByteQuantifierMin;
+            return ownsNodeAnyByteQuantifierMin;
         case NodeLetterUtf8:
-            return greedy ? ownsNodeLetterQuantifierMaxUtf8 : ownsNodeLetterQuantifierMinUtf8;
+            return ownsNodeLetterQuantifierMinUtf8;
         case NodeCombLetter:
-            return greedy ? ownsNodeLetterQuantifierMaxCombLetter
-                          : ownsNodeLetterQuantifierMinCombLetter;
+            return ownsNodeLetterQuantifierMinCombLetter;
         default:
-            return greedy ? ownsNodeLetterQuantifierMaxUtf8
-                          : ownsNodeLetterQuantifierMinUnicodeBlock;
+            return ownsNodeLetterQuantifierMinUnicodeBlock;
     }
 }
 
@@ -55,18 +51,8 @@ bool closesSubprogram(const RegExpMatchContext& context, int serial) {
     return end.kind == NodeGroupingClose && end.value == serial;
 }
 
-int runClassNode(int index, const Zel8u* text, int length, RegExpMatchContext& context) {
-    const Node* quantifier = quantifierAt(context, index + 1 + context.nodes[index].count);
-    if (quantifier == nullptr) {
-        return ownsNodeCharacterClassQuantifierMax(text, length, context, 1, 1);
-    }
-    auto* function = quantifier->kind == NodeQuantifierMin ? ownsNodeCharacterClassQuantifierMin
-                                                           : ownsNodeCharacterClassQuantifierMax;
-    return function(text, length, context, quantifier->value, quantifier->count);
-}
-
-int runAtomicNode(int index, const Zel8u* text, int length, RegExpMatchContext& context) {
-    const Node* quantifier = quantifierAt(context, index + 2 + context.nodes[index].count);
+int runAtomicNode(const Zel8u* text, int length, RegExpMatchContext& context) {
+    const Node* quantifier = quantifierAt(context, closingNode(context, context.node) + 1);
     if (quantifier == nullptr)
         return ownsNodeGroupingAtomQuantifierMax(text, length, context, 1, 1);
     if (quantifier->kind == NodeQuantifierMin) {
@@ -76,126 +62,162 @@ int runAtomicNode(int index, const Zel8u* text, int length, RegExpMatchContext& 
                                              quantifier->count);
 }
 
-/// The bar at the end of a group's alternative: goes on at the group's closing node.
-int runAlternativeNode(int index, const Zel8u* text, int length, RegExpMatchContext& context) {
-    const int open = context.groups[context.nodes[index].value].openNode;
-    context.node = open + 1 + context.nodes[open].count;
-    return ownsNodeGroupingClose(text, length, context);
-}
-
 }  // namespace
 
-int ownsRunFuncRegExp(const Zel8u* text, int length, RegExpMatchContext& context) {
+Walk::Step Walk::executeAtom(const Node& node) {
+    if (const Node* quantifier = quantifierAt(context, index + 1)) {
+        if (text == context.textEnd && quantifier->value > 0) return kFailed;
+        const bool greedy = quantifier->kind == NodeQuantifierMax;
+        if (node.kind == NodeBackReference) {
+            return handOver(greedy ? ownsNodeBackReferenceQuantifierMax
+                                   : ownsNodeBackReferenceQuantifierMin);
+        }
+        return greedy ? runGreedy(node, *quantifier, index + 2) : handOver(lazyAtom(node.kind));
+    }
+    if (text == context.textEnd) return kFailed;
+    if (node.kind == NodeBackReference) return handOver(ownsNodeBackReference);
+    const int taken = matchCharacter(node, text, context.textEnd, context.flags);
+    if (taken == 0) return kFailed;
+    take(taken);
+    ++index;
+    return kGoOn;
+}
+
+Walk::Step Walk::executeClass(const Node& node) {
+    const int next = index + 1 + node.count;
+    if (const Node* quantifier = quantifierAt(context, next)) {
+        if (quantifier->kind == NodeQuantifierMin)
+            return handOver(ownsNodeCharacterClassQuantifierMin);
+        return runGreedy(node, *quantifier, next + 1);
+    }
+    if (text == context.textEnd) return kFailed;
+    const int taken = ClassMatcher(context, index)(text);
+    if (taken == 0) return kFailed;
+    take(taken);
+    index = next;
+    return kGoOn;
+}
+
+Walk::Step Walk::execute(const Node& node) {
+    switch (node.kind) {
+        case NodeLetter:
+        case NodeBackReference:
+        case NodeLetterRange:
+        case NodeAnyByte:
+        case NodeLetterUtf8:
+        case NodeUnicodeCategory:
+        case NodeUnicodeProperty:
+        case NodeUnicodeScript:
+        case NodeCombLetter:
+            return executeAtom(node);
+        case NodeCharacterClass:
+            return executeClass(node);
+        case NodeString:
+            if (length() < node.count ||
+                !sameText(text, static_cast<const Zel8u*>(node.data), node.count,
+                          (context.flags & kOptionIgnoreCase) != 0)) {
+                return kFailed;
+            }
+            take(node.count);
+            ++index;
+            return kGoOn;
+        case NodePosition:
+            context.node = index;
+            if (ownsNodePosition(text, length(), context) != 0) return kFailed;
+            index = context.node;
+            return kGoOn;
+        case NodeOptions:
+            context.flags = static_cast<Zel32u>(node.value);
+            ++index;
+            return kGoOn;
+        case NodeAlternative: {
+            if (node.value < 1) {  // the whole match is complete
+                whole.length += consumed;
+                return kDone;
+            }
+            if (closesSubprogram(context, node.value)) return finish();
+            const int open = context.groups[node.value].openNode;
+            return ownsNodeGroupingClose(closingNode(context, open));
+        }
+        case NodeGroupingLookBehind:
+        case NodeGroupingLookBehindNot:
+        case NodeGroupingLookAhead:
+        case NodeGroupingLookAheadNot: {
+            if (hasCaptures(context.nodes, index)) return handOver(runLookAroundWithCaptures);
+            context.node = index;
+            if (!withLength([&] { return lookAroundPasses(text, length(), context); }))
+                return kFailed;
+            index += 2 + node.count;
+            return kGoOn;
+        }
+        case NodeGroupingOptions:
+        case NodeGroupingCondition:
+        case NodeGroupingCapture:
+        case NodeGroupingNoCapture:
+            return ownsNodeGrouping(node);
+        case NodeGroupingAtom:
+            return handOver(runAtomicNode);
+        case NodeGroupingClose:
+            return ownsNodeGroupingClose(index);
+        default:
+            return kFailed;  // a quantifier or a class member reached by itself
+    }
+}
+
+/// The end of the (sub)program.
+Walk::Step Walk::finish() {
+    if (context.noEmpty != 0 && whole.length + consumed == 0) return kFailed;
+    whole.length += consumed;
+    context.reached = text;
+    return kDone;
+}
+
+/// Goes back to the newest choice that has something left to try.
+Walk::Step Walk::goBack() {
+    while (top > 0) {
+        Choice& choice = choices[top - 1];
+        if (choice.kind > Choice::kRunOfSequences) {
+            const Step step = resumeGroup(choice);
+            if (step != kFailed) return step;
+        } else if (context.steps < 0) {
+            --top;  // every further try would fail
+        } else if (giveBack(choice)) {
+            return kGoOn;
+        }
+    }
+    return kFailed;
+}
+
+int Walk::run() {
+    const Zel32u entryFlags = context.flags;
+    for (;;) {
+        Step step = kFailed;
+        if (context.steps >= 0) {
+            if (index == context.end) {
+                step = finish();
+            } else if (full()) {
+                step = handOver(ownsRunFuncRegExp);
+            } else {
+                --context.steps;
+                step = execute(context.nodes[index]);
+            }
+        }
+        if (step == kFailed) step = goBack();
+        if (step == kDone) return 0;
+        if (step == kFailed) {
+            context.flags = entryFlags;
+            return 1;
+        }
+    }
+}
+
+int ownsRunFuncRegExp(const Zel8u* text, int, RegExpMatchContext& context) {
     if (context.steps < 0) return 1;
     if (!context.stack.hasRoom()) {
         context.steps = -1;  // ends like a search whose budget ran out
         return 1;
     }
-    CaptureRecord& whole = context.captures[0];
-    const Zel32u entryFlags = context.flags;
-    int consumed = 0;  // by the straight line that this call has walked
-    int index = context.node;
-
-    for (;;) {
-        if (index == context.end) {
-            if (context.noEmpty != 0 && whole.length == 0) break;
-            context.reached = text;
-            return 0;
-        }
-        --context.steps;
-        const Node& node = context.nodes[index];
-        context.node = index;
-        int taken = 0;  // length of the character or literal that the node matched
-
-        switch (node.kind) {
-            case NodeLetter:
-            case NodeBackReference:
-            case NodeLetterRange:
-            case NodeAnyByte:
-            case NodeLetterUtf8:
-            case NodeUnicodeCategory:
-            case NodeUnicodeProperty:
-            case NodeUnicodeScript:
-            case NodeCombLetter:
-                if (const Node* quantifier = quantifierAt(context, index + 1)) {
-                    if (length == 0 && quantifier->value > 0) goto failed;
-                    const bool greedy = quantifier->kind == NodeQuantifierMax;
-                    if (quantifiedAtom(node.kind, greedy)(text, length, context) == 0) return 0;
-                    goto failed;
-                }
-                if (length == 0) goto failed;
-                if (node.kind == NodeBackReference) {
-                    if (ownsNodeBackReference(text, length, context) == 0) return 0;
-                    goto failed;
-                }
-                taken = matchCharacter(node, text, context.textEnd, context.flags);
-                if (taken == 0) goto failed;
-                index += 1;
-                break;
-            case NodeString:
-                if (length < node.count ||
-                    !sameText(text, static_cast<const Zel8u*>(node.data), node.count,
-                              (context.flags & kOptionIgnoreCase) != 0)) {
-                    goto failed;
-                }
-                taken = node.count;
-                index += 1;
-                break;
-            case NodePosition:
-                if (ownsNodePosition(text, length, context) != 0) goto failed;
-                index = context.node;
-                break;
-            case NodeOptions:
-                context.flags = static_cast<Zel32u>(node.value);
-                index += 1;
-                break;
-            case NodeAlternative:
-                if (node.value < 1) return 0;  // the whole match is complete
-                if (closesSubprogram(context, node.value)) {
-                    index = context.end;
-                    continue;
-                }
-                if (runAlternativeNode(index, text, length, context) == 0) return 0;
-                goto failed;
-            case NodeCharacterClass:
-                if (runClassNode(index, text, length, context) == 0) return 0;
-                goto failed;
-            case NodeGroupingLookBehind:
-            case NodeGroupingLookBehindNot:
-            case NodeGroupingLookAhead:
-            case NodeGroupingLookAheadNot:
-                if (hasCaptures(context.nodes, index)) {
-                    if (runLookAroundWithCaptures(text, length, context) == 0) return 0;
-                    goto failed;
-                }
-                if (!lookAroundPasses(text, length, context)) goto failed;
-                index += 2 + node.count;
-                break;
-            case NodeGroupingOptions:
-            case NodeGroupingCondition:
-            case NodeGroupingCapture:
-            case NodeGroupingNoCapture:
-                if (ownsNodeGrouping(text, length, context) == 0) return 0;
-                goto failed;
-            case NodeGroupingAtom:
-                if (runAtomicNode(index, text, length, context) == 0) return 0;
-                goto failed;
-            case NodeGroupingClose:
-                if (ownsNodeGroupingClose(text, length, context) == 0) return 0;
-                goto failed;
-            default:
-                goto failed;  // a quantifier or a class member reached by itself
-        }
-        if (context.steps < 0) break;
-        text += taken;
-        length -= taken;
-        whole.length += taken;
-        consumed += taken;
-    }
-failed:
-    whole.length -= consumed;
-    context.flags = entryFlags;
-    return 1;
+    return Walk(text, context).run();
 }
 
 }  // namespace zel

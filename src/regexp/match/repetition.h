@@ -48,20 +48,6 @@ int giveBack(const Zel8u* text, int length, RegExpMatchContext& context, int res
     return 1;
 }
 
-/// The whole greedy repetition of the atom at `context.node`.
-template <typename Matches, typename Previous>
-int repeatGreedy(const Zel8u* text, int length, RegExpMatchContext& context, const Matches& matches,
-                 const Previous& previous) {
-    const int rest = context.node + 2;
-    const Node& quantifier = context.nodes[context.node + 1];
-    const int min = quantifier.value;
-    const int max = quantifier.count < length ? quantifier.count : length;
-    Run run;
-    if (!run.take(text, length, min, matches)) return 1;
-    run.take(text, length, max, matches);
-    return giveBack(text, length, context, rest, run.count, run.offset, min, previous);
-}
-
 /// The whole lazy repetition of the atom at `context.node`. `hint`, when not negative, is a byte
 /// that the rest of the program begins with. The consumed length deliberately stays raised on
 /// failure.

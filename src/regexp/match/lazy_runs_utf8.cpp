@@ -55,20 +55,6 @@ bool hasHint(const RegExpMatchContext& context) {
 
 }  // namespace
 
-int ownsNodeLetterQuantifierMaxUtf8(const Zel8u* text, int length, RegExpMatchContext& context) {
-    return repeatGreedy(text, length, context, codePointMatcher(context),
-                        [text](const Zel8u* position) { return previousLength(position, text); });
-}
-
-int ownsNodeLetterQuantifierMaxCombLetter(const Zel8u* text, int length,
-                                          RegExpMatchContext& context) {
-    const Zel8u* end = context.textEnd;
-    return repeatGreedy(
-        text, length, context,
-        [end](const Zel8u* position) { return matchCombiningSequence(position, end); },
-        [text](const Zel8u* position) { return previousSequenceLength(position, text); });
-}
-
 int ownsNodeLetterQuantifierMinUtf8(const Zel8u* text, int length, RegExpMatchContext& context) {
     CaptureRecord& whole = context.captures[0];
     const Node& letter = context.nodes[context.node];

@@ -1,11 +1,11 @@
-// Quantified letters, class shorthands and \C. A letter is one byte. A shorthand's character is a
-// well-formed UTF-8 sequence or one byte, whatever the format of the text. The greedy shorthand
-// gives back by the length of the character that stands behind the run, not of the run's last:
-// exact for one-byte text, and what defines the result on other text, where it can lead into or
-// even in front of the run.
-#include <string.h>
-
-#include "regexp/match/character.h"
+// Lazy repetition of one character: take the minimum, then try the rest of the program before each
+// further character. A letter is one byte; a shorthand's character is a well-formed UTF-8 sequence
+// or one byte, whatever the format of the text; a class follows the format.
+//
+// Letters and shorthands deliberately leave the whole match's length raised by what they took when
+// they fail;
+// \C and classes put it back.
+#include "regexp/match/class_matcher.h"
 #include "regexp/match/repetition.h"
 
 namespace zel {
@@ -39,41 +39,16 @@ auto shorthandMatcher(const RegExpMatchContext& context) {
     return [&bytes, end](const Zel8u* text) { return matchShorthand(bytes, text, end); };
 }
 
-int oneByte(const Zel8u*) {
-    return 1;
-}
-
 }  // namespace
-
-int ownsNodeLetterQuantifierMax(const Zel8u* text, int length, RegExpMatchContext& context) {
-    return repeatGreedy(text, length, context, letterMatcher(context), oneByte);
-}
 
 int ownsNodeLetterQuantifierMin(const Zel8u* text, int length, RegExpMatchContext& context) {
     return repeatLazy(text, length, context, letterMatcher(context), nextLetter(context));
-}
-
-int ownsNodeLetterRangeQuantifierMax(const Zel8u* text, int length, RegExpMatchContext& context) {
-    const Zel8u* end = context.textEnd;
-    const auto lengthBehind = [end](const Zel8u* position) {
-        return position < end ? utf8Length(position, end - position) : 1;
-    };
-    return repeatGreedy(text, length, context, shorthandMatcher(context), lengthBehind);
 }
 
 int ownsNodeLetterRangeQuantifierMin(const Zel8u* text, int length, RegExpMatchContext& context) {
     return repeatLazy(text, length, context, shorthandMatcher(context), nextLetter(context));
 }
 
-int ownsNodeAnyByteQuantifierMax(const Zel8u* text, int length, RegExpMatchContext& context) {
-    const Node& quantifier = context.nodes[context.node + 1];
-    if (length < quantifier.value) return 1;
-    const int taken = quantifier.count < length ? quantifier.count : length;
-    return giveBack(text, length, context, context.node + 2, taken, taken, quantifier.value,
-                    oneByte);
-}
-
-/// Unlike the lazy routines of letters and shorthands this one puts the whole match's length back.
 int ownsNodeAnyByteQuantifierMin(const Zel8u* text, int length, RegExpMatchContext& context) {
     CaptureRecord& whole = context.captures[0];
     const int entryLength = whole.length;
@@ -90,6 +65,27 @@ int ownsNodeAnyByteQuantifierMin(const Zel8u* text, int length, RegExpMatchConte
         ++whole.length;
     }
     whole.length = entryLength;
+    return 1;
+}
+
+int ownsNodeCharacterClassQuantifierMin(const Zel8u* text, int length,
+                                        RegExpMatchContext& context) {
+    CaptureRecord& whole = context.captures[0];
+    const int index = context.node;
+    const int behind = index + 1 + context.nodes[index].count;
+    const Node& quantifier = context.nodes[behind];
+    const ClassSet set = classSet(context, index);  // a copy: the rest may meet other classes
+    const ClassMatcher matches(context, index, set);
+    Run run;
+    if (!run.take(text, length, quantifier.value, matches)) return 1;
+    whole.length += run.offset;
+    for (;;) {
+        if (runFrom(behind + 1, text + run.offset, length - run.offset, context) == 0) return 0;
+        const int before = run.offset;
+        if (run.count >= quantifier.count || !run.take(text, length, run.count + 1, matches)) break;
+        whole.length += run.offset - before;
+    }
+    whole.length -= run.offset;
     return 1;
 }
 
