@@ -50,6 +50,21 @@ inline int previousLength(const Zel8u* text, const Zel8u* start) {
     return 1;
 }
 
+/// The end of the character that `text` lies inside of, or `text` itself at a boundary. Characters
+/// begin at `start`, itself a boundary, or behind it.
+inline const Zel8u* characterBoundary(const Zel8u* text, const Zel8u* start, const Zel8u* end) {
+    if (text >= end || (*text & 0xC0) != 0x80) return text;
+    for (int back = 1; back <= 5 && text - back >= start; ++back) {
+        const Zel8u* lead = text - back;
+        if (*lead < 0x80) break;
+        if (*lead >= 0xC0) {
+            const int length = utf8Length(lead, end - lead);
+            return length > back ? lead + length : text;
+        }
+    }
+    return text;
+}
+
 /// Length of a shorthand's character at `text`, or 0 when it is not accepted.
 inline int matchShorthand(const ByteSet& bytes, const Zel8u* text, const Zel8u* end) {
     if (!bytes.has(*text)) return 0;

@@ -7,8 +7,12 @@
 
 #include <string.h>
 
+#include <initializer_list>
+
 #include "core/checks.h"
+#include "regexp/match/character.h"
 #include "regexp/match/context.h"
+#include "regexp/match/plan.h"
 #include "regexp/match/predicates.h"
 #include "string/utf8.h"
 
@@ -52,12 +56,19 @@ int narrowedLength(const Zel8u* text, int length, const ZelRegExpState& state) {
     return position < 0 ? 0 : position + literalLength;
 }
 
-Anchor anchorOf(const ZelRegExpState& state) {
+/// The first top-level bar from node `from` on, or the number of nodes.
+int topLevelBar(const ZelRegExpState& state, int from) {
     const Node* nodes = state.nodes();
-    if (state.nodeCount == 0 || nodes[0].kind != NodePosition) return Anchor::kNone;
-    for (int i = 0; i < state.nodeCount; ++i) {
-        if (nodes[i].kind == NodeAlternative && nodes[i].value == 0) return Anchor::kNone;
+    while (from < state.nodeCount &&
+           !(nodes[from].kind == NodeAlternative && nodes[from].value == 0)) {
+        ++from;
     }
+    return from;
+}
+
+Anchor anchorOf(const ZelRegExpState& state, bool hasBars) {
+    const Node* nodes = state.nodes();
+    if (state.nodeCount == 0 || nodes[0].kind != NodePosition || hasBars) return Anchor::kNone;
     const int assertion = nodes[0].value;
     const bool multiLine = (state.options & kOptionMultiLine) != 0;
     if (assertion == '^' && multiLine) return Anchor::kLineStart;
@@ -68,33 +79,51 @@ Anchor anchorOf(const ZelRegExpState& state) {
     return optional ? Anchor::kNone : Anchor::kStart;
 }
 
+/// How a search pays for start positions that it need not try. What it skips may be paid with an
+/// upper bound: as long as the budget suffices, nobody can tell. When it does not, the whole call
+/// is done over, trying every position.
+enum class Pay { kUpperBound, kExactly };
+
 class Search {
 public:
-    Search(const WorkAreas& work, const Zel8u* text, int length, const ZelRegExpState& state)
-        : state_(state), anchor_(anchorOf(state)) {
+    Search(const WorkAreas& work, const Zel8u* text, int length, const ZelRegExpState& state,
+           Pay pay)
+        : state_(state), hasBars_(topLevelBar(state, 0) != state.nodeCount), pay_(pay) {
+        anchor_ = anchorOf(state, hasBars_);
         context_.noEmpty = 0;
         context_.numCaptures = state.groupCount;
         context_.steps = state.matchLimit;
         context_.format = state.format;
         context_.nodeCount = state.nodeCount;
         context_.textStart = text;
-        context_.textEnd = text + narrowedLength(text, length, state);
+        context_.textEnd = text + length;
         context_.nodes = state.nodes();
         context_.captures = work.captures;
         context_.groups = work.groups;
+        context_.end = state.nodeCount;
         context_.stack.start();
         context_.classes.clear();
     }
 
     bool outOfBudget() const { return context_.steps < 0; }
+    /// Whether the budget ended, but might not have if everything had been paid exactly.
+    bool endedTooEarly() const { return outOfBudget() && guessed_; }
     const CaptureRecord* captures() const { return context_.captures; }
     const Zel8u* textEnd() const { return context_.textEnd; }
 
     /// Tries start positions from `start` on.
     bool findFrom(const Zel8u* start) {
+        clearCaptures();
         if (anchor_ == Anchor::kStart) return start == context_.textStart && attempt(start);
         for (const Zel8u* position = startAt(start); position != nullptr;
              position = after(position)) {
+            if (plan_.kind != Plan::kNone) {
+                position = skipFrom(position);
+                if (position == nullptr) return false;
+            } else if (anchor_ == Anchor::kNone && ++attempts_ == kAttemptsBeforePlanning &&
+                       pay_ == Pay::kUpperBound) {
+                makePlan(state_, plan_);
+            }
             if (attempt(position)) return true;
             if (outOfBudget()) return false;  // every further attempt fails at once
         }
@@ -103,6 +132,7 @@ public:
 
     /// Tries the start position again, for a match that is not empty.
     bool findNonEmptyAt(const Zel8u* start) {
+        clearCaptures();
         context_.noEmpty = 1;
         const bool found = attempt(start) && context_.captures[0].length > 0;
         context_.noEmpty = 0;
@@ -116,6 +146,9 @@ public:
     }
 
 private:
+    // A plan costs as much as some attempts, and pays when there are many.
+    static constexpr int kAttemptsBeforePlanning = 16;
+
     /// The first allowed start position at or behind `start`, null when there is none.
     const Zel8u* startAt(const Zel8u* start) const {
         if (start > context_.textEnd || start < context_.textStart) return nullptr;
@@ -129,29 +162,52 @@ private:
 
     const Zel8u* after(const Zel8u* position) const { return startAt(advance(position)); }
 
+    /// The first position from `start` on that the plan does not reject; the very end is never
+    /// rejected. Pays for those in front of it; null when the budget does not suffice.
+    const Zel8u* skipFrom(const Zel8u* start) {
+        const Zel8u* end = context_.textEnd;
+        const Zel8u* position = start;
+        for (;;) {
+            position += plan_.next(position, static_cast<int>(end - position));
+            if (context_.format != kFormatUtf8 || position >= end ||
+                characterBoundary(position, start, end) == position) {
+                break;
+            }
+            ++position;  // inside a character: no start position
+        }
+        if (position == start) return position;
+        if (!plan_.exact || context_.format == kFormatUtf8) guessed_ = true;
+        return context_.charge(static_cast<long>(position - start) * plan_.price) ? position
+                                                                                  : nullptr;
+    }
+
+    /// A failed attempt leaves the captures as it found them, so once a search suffices.
+    void clearCaptures() {
+        for (int i = 1; i < context_.numCaptures; ++i) context_.captures[i] = {nullptr, -1};
+    }
+
     /// One attempt: the top-level alternatives in order.
     bool attempt(const Zel8u* position) {
         context_.captures[0] = {position, 0};
-        for (int i = 1; i < context_.numCaptures; ++i) context_.captures[i] = {nullptr, -1};
         context_.flags = state_.options;
-        context_.end = state_.nodeCount;
         const int length = static_cast<int>(context_.textEnd - position);
+        if (!hasBars_) return runFrom(0, position, length, context_) == 0;
         for (int first = 0;;) {
             if (runFrom(first, position, length, context_) == 0) return true;
-            int bar = first;
-            while (bar < state_.nodeCount && !isTopLevelBar(bar)) ++bar;
+            const int bar = topLevelBar(state_, first);
             if (bar == state_.nodeCount) return false;
             context_.flags = static_cast<Zel32u>(context_.nodes[bar].count);
             first = bar + 1;
         }
     }
 
-    bool isTopLevelBar(int index) const {
-        return context_.nodes[index].kind == NodeAlternative && context_.nodes[index].value == 0;
-    }
-
     const ZelRegExpState& state_;
-    Anchor anchor_;
+    const bool hasBars_;
+    const Pay pay_;
+    Anchor anchor_ = Anchor::kNone;
+    bool guessed_ = false;
+    int attempts_ = 0;
+    Plan plan_;
     RegExpMatchContext context_;
 };
 
@@ -165,14 +221,14 @@ void copyRecords(const Search& search, int first, int count, ZelRegExpFind* resu
 
 ZelStatus findFirst(Search& search, const Zel8u* text, int numCaptures, ZelRegExpFind* pResult,
                     int* pNumFind) {
-    if (*pNumFind > numCaptures) *pNumFind = numCaptures;
+    const int capacity = *pNumFind < numCaptures ? *pNumFind : numCaptures;
     if (search.findFrom(text)) {
-        copyRecords(search, 0, *pNumFind, pResult);
+        copyRecords(search, 0, capacity, pResult);
+        *pNumFind = capacity;
         return zelStatusOk;
     }
-    if (search.outOfBudget()) return zelStatusRegExpMatchLimitError;
-    *pNumFind = 0;
-    return zelStatusOk;
+    *pNumFind = search.outOfBudget() ? capacity : 0;
+    return search.outOfBudget() ? zelStatusRegExpMatchLimitError : zelStatusOk;
 }
 
 ZelStatus findAll(Search& search, const Zel8u* text, int numCaptures, bool wholeMatchToo,
@@ -222,12 +278,19 @@ ZelStatus searchWith(const WorkAreas& work, const Zel8u* pSrc, int srcLen,
     if (*pNumFind < 1) return zelStatusSizeError;
     if (pRegExpState->magic != kRegExpMagic) return zelStatusContextMatchError;
 
-    Search search(work, pSrc, srcLen, *pRegExpState);
+    const int length = narrowedLength(pSrc, srcLen, *pRegExpState);
     const int numCaptures = pRegExpState->groupCount;
-    if ((pRegExpState->options & kOptionGlobal) == 0) {
-        return findFirst(search, pSrc, numCaptures, pResult, pNumFind);
+    const int capacity = *pNumFind;
+    for (const Pay pay : {Pay::kUpperBound, Pay::kExactly}) {
+        Search search(work, pSrc, length, *pRegExpState, pay);
+        *pNumFind = capacity;
+        const ZelStatus status =
+            (pRegExpState->options & kOptionGlobal) != 0
+                ? findAll(search, pSrc, numCaptures, wholeMatchToo != 0, pResult, pNumFind)
+                : findFirst(search, pSrc, numCaptures, pResult, pNumFind);
+        if (!search.endedTooEarly()) return status;
     }
-    return findAll(search, pSrc, numCaptures, wholeMatchToo != 0, pResult, pNumFind);
+    return zelStatusRegExpMatchLimitError;
 }
 
 ZelStatus ownsRegExpFind_8u(const Zel8u* pSrc, int srcLen, ZelRegExpState* pRegExpState,

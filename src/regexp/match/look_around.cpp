@@ -31,24 +31,10 @@ bool runSubprogram(int open, const Zel8u* text, int length, RegExpMatchContext& 
 
 namespace {
 
-/// The end of the character that `text` lies inside of, or `text` itself at a boundary.
-const Zel8u* characterBoundary(const Zel8u* text, const RegExpMatchContext& context) {
-    for (int back = 1; back <= 5 && text - back >= context.textStart; ++back) {
-        const Zel8u* lead = text - back;
-        if (*lead < 0x80) break;
-        if (*lead >= 0xC0) {
-            const int length = utf8Length(lead, context.textEnd - lead);
-            if (length > back) return lead + length;
-            break;
-        }
-    }
-    return text;
-}
-
 /// The position `characters` characters in front of `text`, or null when the text begins behind it.
 const Zel8u* stepBack(const Zel8u* text, int characters, const RegExpMatchContext& context) {
     if (text - context.textStart < characters) return nullptr;
-    const Zel8u* position = characterBoundary(text, context);
+    const Zel8u* position = characterBoundary(text, context.textStart, context.textEnd);
     for (; characters > 0; --characters) {
         if (position <= context.textStart) return nullptr;
         position -= previousLength(position, context.textStart);

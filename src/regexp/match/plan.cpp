@@ -20,6 +20,7 @@ constexpr int kMaxPrice = 1000;
 struct Beginning {
     ByteSet bytes = {};
     int price = 0;
+    bool exact = true;
 };
 
 void addAll(ByteSet& set, const ByteSet& other) {
@@ -82,6 +83,7 @@ private:
     bool add(bool known, const Beginning& part, Beginning& result) const {
         addAll(result.bytes, part.bytes);
         result.price += part.price;
+        result.exact = result.exact && part.exact;
         return known && result.price <= kMaxPrice;
     }
 
@@ -136,6 +138,7 @@ bool Planner::beginAtom(int index, Zel32u flags, Beginning& result) {
         nodes_[index].kind != NodeLetterRange && nodes_[index].kind != NodeCharacterClass) {
         return false;  // the lazy forms of code points have an order of their own
     }
+    if (repeat->kind == NodeQuantifierMin) result.exact = false;  // a hint may save the rest
     Beginning rest;
     return add(begin(next + 1, flags, rest), rest, result);
 }
@@ -180,6 +183,7 @@ bool Planner::begin(int index, Zel32u flags, Beginning& result) {
     switch (node.kind) {
         case NodePosition:
             if (quantifier(index + 1) != nullptr) return false;
+            result.exact = false;
             return add(begin(index + 1, flags, rest), rest, result);
         case NodeOptions:
             return add(begin(index + 1, static_cast<Zel32u>(node.value), rest), rest, result);
@@ -241,6 +245,7 @@ void Planner::make(Zel32u flags, Plan& plan) {
         first = bar + 1;
     }
     plan.price = all.price;
+    plan.exact = all.exact;
     plan.first = all.bytes;
     if (alternatives == 1 && planLiteral(flags, plan)) return;
     const int size = sizeOf(all.bytes);

@@ -20,7 +20,8 @@ struct Plan {
         kSet,      // a match begins with a byte of `first`
     };
     Kind kind = kNone;
-    int price = 0;
+    int price = 0;       // what a rejected start position costs at most
+    bool exact = false;  // and whether it costs just that
     ByteSet first = {};
     const Zel8u* literal = nullptr;
     int literalLength = 0;
