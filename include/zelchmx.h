@@ -7,7 +7,7 @@
  *
  * Rules that hold for every function:
  *   - Lengths, counts and indices are signed 32-bit and count elements, not bytes, unless an
- * argument says "bytes". A string is a (pointer, length) pair; length 0 is a valid empty string.
+ *     argument says "bytes". A string is a pointer and a length; length 0 is an empty string.
  *   - Arguments are checked before anything is written: null pointers first (-8), then negative
  *     lengths (-119), then counts that must be positive (-6), then values and object identity.
  *   - Nothing is allocated, except by zelsMalloc_8u and the ...InitAlloc functions.
@@ -65,67 +65,257 @@ typedef struct ZelLibraryVersion {
     int major;
     int minor;
     int buildNumber;
-    int buildSerial;
+    int buildSerial;         /* a number of its own, not the second number of versionText */
     char cpuCode[4];         /* padded with zero bytes */
     const char* libraryName; /* the shared object's own file name */
     const char* versionText;
     const char* buildDate;
 } ZelLibraryVersion;
 
+/*
+ * The library's version record: always the same pointer, never null. The record and its texts are
+ * constants of the library.
+ *
+ *     printf("%s\n", zelchGetLibVersion()->versionText);
+ */
 ZEL_API const ZelLibraryVersion* zelchGetLibVersion(void);
 
 /* ---- Memory and blocks ---------------------------------------------------------------------- */
 
+/*
+ * Allocation, and copying, moving and clearing of raw elements.
+ *
+ *     Zel8u* block = (Zel8u*)zelsMalloc_8u(16);
+ *     zelsZero_8u(block, 16);
+ *     zelsCopy_8u((const Zel8u*)"abcdef", block, 6);
+ *     zelsMove_8u(block, block + 1, 6);
+ *     zelsFree(block);
+ *
+ * leaves "aabcdef" in the block before it is freed. The library itself allocates nowhere else, and
+ * it takes its memory from libzelcore, which can be replaced.
+ */
+
+/* Allocates `len` bytes, aligned for any type. Null when len is less than 1 or when memory is
+ * exhausted. Release the block with zelsFree. */
 ZEL_API void* zelsMalloc_8u(int len);
+
+/* Releases a block from zelsMalloc_8u. Null is accepted and does nothing. */
 ZEL_API void zelsFree(void* ptr);
+
+/*
+ * Copies elements one after the other, from the first to the last. A destination that begins below
+ * its source gets an exact copy, however far the two overlap. In one that begins inside the source
+ * the leading elements repeat: copying 9 bytes from p to p + 1 gives ten times *p. Use zelsMove_8u
+ * and zelsMove_16s for ranges that overlap in any way.
+ *
+ *   pSrc  the source
+ *   pDst  the destination
+ *   len   number of elements, at least 1
+ *
+ *   zelStatusNullPointer (-8)  pSrc or pDst is null
+ *   zelStatusSizeError (-6)    len is less than 1
+ */
 ZEL_API ZelStatus zelsCopy_8u(const Zel8u* pSrc, Zel8u* pDst, int len);
 ZEL_API ZelStatus zelsCopy_16s(const Zel16s* pSrc, Zel16s* pDst, int len);
+
+/*
+ * Copies elements between ranges that may overlap in any way: afterwards the destination holds what
+ * the source held before.
+ *
+ *   pSrc  the source
+ *   pDst  the destination
+ *   len   number of elements, at least 1
+ *
+ *   zelStatusNullPointer (-8)  pSrc or pDst is null
+ *   zelStatusSizeError (-6)    len is less than 1
+ */
 ZEL_API ZelStatus zelsMove_8u(const Zel8u* pSrc, Zel8u* pDst, int len);
 ZEL_API ZelStatus zelsMove_16s(const Zel16s* pSrc, Zel16s* pDst, int len);
+
+/*
+ * Sets bytes to 0.
+ *
+ *   pDst  the first of them
+ *   len   number of bytes, at least 1
+ *
+ *   zelStatusNullPointer (-8)  pDst is null
+ *   zelStatusSizeError (-6)    len is less than 1
+ */
 ZEL_API ZelStatus zelsZero_8u(Zel8u* pDst, int len);
 
 /* ---- Search ---------------------------------------------------------------------------------- */
 
+/*
+ * Where does a string, an element, or any element of a set stand in a source? Elements are compared
+ * as unsigned numbers, with no folding of case and no normalisation.
+ *
+ *     int index;
+ *     zelsFind_8u((const Zel8u*)"a cat, a hat", 12, (const Zel8u*)"at", 2, &index);     3
+ *     zelsFindRev_8u((const Zel8u*)"a cat, a hat", 12, (const Zel8u*)"at", 2, &index);  10
+ *     zelsFindC_8u((const Zel8u*)"a cat, a hat", 12, ',', &index);                      5
+ *     zelsFindCAny_8u((const Zel8u*)"a cat, a hat", 12, (const Zel8u*)"hc", 2, &index); 2
+ *     zelsFindC_Z_8u((const Zel8u*)"a cat, a hat", 'x', &index);                        -1
+ *
+ * All members answer in *pIndex: the index of the first element of the match, or -1 when there is
+ * none. Finding nothing is no error. *pIndex is set to -1 before the search begins, so it must not
+ * lie inside the strings; after an error it is as it was.
+ *
+ * No member reads outside the strings it is given. The members that take zero-terminated strings
+ * read up to the terminator.
+ */
+
+/*
+ * The first position at which the whole of a string occurs.
+ *
+ *   pSrc     the source
+ *   len      its length
+ *   pFind    the string to find. An empty one is found nowhere, not even in an empty source
+ *   lenFind  its length
+ *   pIndex   receives the index, or -1
+ *
+ *   zelStatusNullPointer (-8)    pSrc, pFind or pIndex is null
+ *   zelStatusLengthError (-119)  len or lenFind is negative
+ */
 ZEL_API ZelStatus zelsFind_8u(const Zel8u* pSrc, int len, const Zel8u* pFind, int lenFind,
                               int* pIndex);
 ZEL_API ZelStatus zelsFind_16u(const Zel16u* pSrc, int len, const Zel16u* pFind, int lenFind,
                                int* pIndex);
+
+/* The last such position; everything else as zelsFind_8u. Occurrences may overlap: "aa" is found in
+ * "aaaa" at 2. */
 ZEL_API ZelStatus zelsFindRev_8u(const Zel8u* pSrc, int len, const Zel8u* pFind, int lenFind,
                                  int* pIndex);
 ZEL_API ZelStatus zelsFindRev_16u(const Zel16u* pSrc, int len, const Zel16u* pFind, int lenFind,
                                   int* pIndex);
+
+/*
+ * The first element that equals a given one.
+ *
+ *   pSrc     the source
+ *   len      its length
+ *   valFind  the element to find
+ *   pIndex   receives the index, or -1
+ *
+ *   zelStatusNullPointer (-8)    pSrc or pIndex is null
+ *   zelStatusLengthError (-119)  len is negative
+ */
 ZEL_API ZelStatus zelsFindC_8u(const Zel8u* pSrc, int len, Zel8u valFind, int* pIndex);
 ZEL_API ZelStatus zelsFindC_16u(const Zel16u* pSrc, int len, Zel16u valFind, int* pIndex);
+
+/* The last such element; everything else as zelsFindC_8u. */
 ZEL_API ZelStatus zelsFindRevC_8u(const Zel8u* pSrc, int len, Zel8u valFind, int* pIndex);
 ZEL_API ZelStatus zelsFindRevC_16u(const Zel16u* pSrc, int len, Zel16u valFind, int* pIndex);
+
+/*
+ * The first element that equals any element of a set.
+ *
+ *   pSrc      the source
+ *   len       its length
+ *   pAnyOf    the set, in any order, with or without repetitions. An empty one matches nothing
+ *   lenAnyOf  number of elements in it
+ *   pIndex    receives the index, or -1
+ *
+ *   zelStatusNullPointer (-8)    pSrc, pAnyOf or pIndex is null
+ *   zelStatusLengthError (-119)  len or lenAnyOf is negative
+ */
 ZEL_API ZelStatus zelsFindCAny_8u(const Zel8u* pSrc, int len, const Zel8u* pAnyOf, int lenAnyOf,
                                   int* pIndex);
 ZEL_API ZelStatus zelsFindCAny_16u(const Zel16u* pSrc, int len, const Zel16u* pAnyOf, int lenAnyOf,
                                    int* pIndex);
+
+/* The last such element; everything else as zelsFindCAny_8u. */
 ZEL_API ZelStatus zelsFindRevCAny_8u(const Zel8u* pSrc, int len, const Zel8u* pAnyOf, int lenAnyOf,
                                      int* pIndex);
 ZEL_API ZelStatus zelsFindRevCAny_16u(const Zel16u* pSrc, int len, const Zel16u* pAnyOf,
                                       int lenAnyOf, int* pIndex);
+
+/*
+ * As zelsFind_8u, on zero-terminated strings. The terminators belong to neither string.
+ *
+ *   pSrcZ   the source
+ *   pFindZ  the string to find
+ *   pIndex  receives the index, or -1
+ *
+ *   zelStatusNullPointer (-8)    a pointer is null
+ *   zelStatusLengthError (-119)  a string has more than 2^31 - 1 elements
+ */
 ZEL_API ZelStatus zelsFind_Z_8u(const Zel8u* pSrcZ, const Zel8u* pFindZ, int* pIndex);
 ZEL_API ZelStatus zelsFind_Z_16u(const Zel16u* pSrcZ, const Zel16u* pFindZ, int* pIndex);
+
+/* As zelsFindC_8u, on a zero-terminated string. The terminator itself is not found. Statuses as of
+ * zelsFind_Z_8u. */
 ZEL_API ZelStatus zelsFindC_Z_8u(const Zel8u* pSrcZ, Zel8u valFind, int* pIndex);
 ZEL_API ZelStatus zelsFindC_Z_16u(const Zel16u* pSrcZ, Zel16u valFind, int* pIndex);
 
 /* ---- Comparison ------------------------------------------------------------------------------ */
 
+/*
+ * Comparison of two strings of the same length.
+ *
+ *     int result;
+ *     zelsCompare_8u((const Zel8u*)"cat", (const Zel8u*)"cut", 3, &result);                  -20
+ *     zelsCompareIgnoreCaseLatin_8u((const Zel8u*)"Cat", (const Zel8u*)"cAT", 3, &result);   0
+ *     zelsEqual_8u((const Zel8u*)"cat", (const Zel8u*)"cut", 3, &result);                    0
+ *
+ * The comparing members give the difference of the first pair of elements that differ, first minus
+ * second, so its sign orders the strings; 0 when none differs, as for empty strings. The two
+ * strings may be the same memory or overlap. Nothing outside them is read, and after an error
+ * *pResult is as it was.
+ *
+ *   pSrc1, pSrc2  the two strings
+ *   len           the length of each
+ *   pResult       receives the result
+ *
+ *   zelStatusNullPointer (-8)    pSrc1, pSrc2 or pResult is null
+ *   zelStatusLengthError (-119)  len is negative
+ */
+
+/* Exact comparison. The result lies in -255..255 for bytes, in -65535..65535 for code units. */
 ZEL_API ZelStatus zelsCompare_8u(const Zel8u* pSrc1, const Zel8u* pSrc2, int len, int* pResult);
 ZEL_API ZelStatus zelsCompare_16u(const Zel16u* pSrc1, const Zel16u* pSrc2, int len, int* pResult);
+
+/* The letters A to Z count as a to z, and the result is the difference of what they count as. No
+ * other element is folded: 0xC9 and 0xE9 differ. */
 ZEL_API ZelStatus zelsCompareIgnoreCaseLatin_8u(const Zel8u* pSrc1, const Zel8u* pSrc2, int len,
                                                 int* pResult);
 ZEL_API ZelStatus zelsCompareIgnoreCaseLatin_16u(const Zel16u* pSrc1, const Zel16u* pSrc2, int len,
                                                  int* pResult);
+
+/* Every code unit counts as what zelsLowercase_16u makes of it, and the result is the difference of
+ * what the two count as. */
 ZEL_API ZelStatus zelsCompareIgnoreCase_16u(const Zel16u* pSrc1, const Zel16u* pSrc2, int len,
                                             int* pResult);
+
+/* 1 when all elements are equal, as for empty strings; else 0. */
 ZEL_API ZelStatus zelsEqual_8u(const Zel8u* pSrc1, const Zel8u* pSrc2, int len, int* pResult);
 ZEL_API ZelStatus zelsEqual_16u(const Zel16u* pSrc1, const Zel16u* pSrc2, int len, int* pResult);
 
 /* ---- Case conversion ------------------------------------------------------------------------- */
 
+/*
+ * Upper and lower case. Every element becomes exactly one element, so a string keeps its length.
+ *
+ *     Zel8u text[] = "Caf\xE9 No. 7";
+ *     zelsUppercaseLatin_8u_I(text, 10);                          "CAF\xE9 NO. 7"
+ *
+ *     Zel16u name[] = {0x0395, 0x03BB, 0x03BB, 0x03AC, 0x03C2};
+ *     zelsUppercase_16u_I(name, 5);                               0395 039B 039B 0386 03C2
+ *
+ * The Latin members change the 26 letters of ASCII and nothing else. The others, for 16-bit
+ * strings, follow the one-to-one case pairs of Unicode 2.0 whose two code units are at most 512
+ * apart. So sharp s and final sigma stay as they are, a titlecase digraph such as U+01C5 goes to
+ * either side, and letters that are younger, or that lie outside the first 65536 code points, do
+ * not change; neither do surrogates.
+ *
+ *   pSrc     the source
+ *   pDst     the destination, of the same length: every element of it is written. It may be pSrc
+ *            itself, but must not overlap it in another way
+ *   pSrcDst  of the members in place (_I): the string to convert where it lies
+ *   len      the length
+ *
+ *   zelStatusNullPointer (-8)    pSrc, pDst or pSrcDst is null
+ *   zelStatusLengthError (-119)  len is negative
+ */
 ZEL_API ZelStatus zelsUppercase_16u(const Zel16u* pSrc, Zel16u* pDst, int len);
 ZEL_API ZelStatus zelsUppercase_16u_I(Zel16u* pSrcDst, int len);
 ZEL_API ZelStatus zelsLowercase_16u(const Zel16u* pSrc, Zel16u* pDst, int len);
@@ -141,36 +331,187 @@ ZEL_API ZelStatus zelsLowercaseLatin_16u_I(Zel16u* pSrcDst, int len);
 
 /* ---- Editing and concatenation --------------------------------------------------------------- */
 
+/*
+ * Insertion, removal, replacement, joining and splitting. The caller provides every destination
+ * with enough room; nothing is allocated, and no destination is terminated with a zero.
+ *
+ *     Zel8u text[32] = "one three";
+ *     int len = 9;
+ *     zelsInsert_8u_I((const Zel8u*)"two ", 4, text, &len, 4);    "one two three", len 13
+ *     zelsRemove_8u_I(text, &len, 0, 4);                          "two three", len 9
+ *     zelsReplaceC_8u(text, text, len, 't', 'T');                 "Two Three"
+ *
+ *     Zel8u a[8], b[8];
+ *     Zel8u* const slots[] = {a, b};
+ *     int lens[] = {8, 8}, count = 2;
+ *     zelsSplitC_8u_D2L(text, len, ' ', slots, lens, &count);     a "Two", b "Three", lens {3, 5}
+ *
+ *     const Zel8u* const pieces[] = {a, b};
+ *     zelsConcatC_8u_D2L(pieces, lens, count, '/', text);         "Two/Three"
+ */
+
+/*
+ * Writes a string with another one inserted: pSrc[0..startIndex), the piece, pSrc[startIndex..len).
+ *
+ *   pSrc        the string
+ *   len         its length
+ *   pInsert     the piece. It must not overlap the destination
+ *   lenInsert   its length
+ *   pDst        the destination, room for len + lenInsert elements. It may be pSrc itself, but must
+ *               not overlap it in another way
+ *   startIndex  where the piece goes: 0 in front, len at the end
+ *
+ *   zelStatusNullPointer (-8)    a pointer is null
+ *   zelStatusLengthError (-119)  len, lenInsert or startIndex is negative, or startIndex is greater
+ *                                than len
+ *
+ * When lenInsert is 0, nothing at all is written: the destination does not receive the string.
+ */
 ZEL_API ZelStatus zelsInsert_8u(const Zel8u* pSrc, int len, const Zel8u* pInsert, int lenInsert,
                                 Zel8u* pDst, int startIndex);
 ZEL_API ZelStatus zelsInsert_16u(const Zel16u* pSrc, int len, const Zel16u* pInsert, int lenInsert,
                                  Zel16u* pDst, int startIndex);
+
+/*
+ * The same in place.
+ *
+ *   pInsert     the piece. It must not overlap the buffer
+ *   lenInsert   its length
+ *   pSrcDst     the buffer that holds the string, room for *pSrcDstLen + lenInsert elements
+ *   pSrcDstLen  in: length of the string; out: its new length. The sum must fit an int
+ *   startIndex  where the piece goes
+ *
+ *   zelStatusNullPointer (-8)    a pointer is null
+ *   zelStatusLengthError (-119)  lenInsert, *pSrcDstLen or startIndex is negative, or startIndex is
+ *                                greater than *pSrcDstLen
+ */
 ZEL_API ZelStatus zelsInsert_8u_I(const Zel8u* pInsert, int lenInsert, Zel8u* pSrcDst,
                                   int* pSrcDstLen, int startIndex);
 ZEL_API ZelStatus zelsInsert_16u_I(const Zel16u* pInsert, int lenInsert, Zel16u* pSrcDst,
                                    int* pSrcDstLen, int startIndex);
+
+/*
+ * Writes a string without the range [startIndex..startIndex + lenRemove).
+ *
+ *   pSrc        the string
+ *   len         its length
+ *   pDst        the destination, room for len - lenRemove elements. It may be pSrc itself, but must
+ *               not overlap it in another way
+ *   startIndex  where the range begins
+ *   lenRemove   its length
+ *
+ *   zelStatusNullPointer (-8)    pSrc or pDst is null
+ *   zelStatusLengthError (-119)  startIndex or lenRemove is negative, or startIndex + lenRemove is
+ *                                greater than len
+ */
 ZEL_API ZelStatus zelsRemove_8u(const Zel8u* pSrc, int len, Zel8u* pDst, int startIndex,
                                 int lenRemove);
 ZEL_API ZelStatus zelsRemove_16u(const Zel16u* pSrc, int len, Zel16u* pDst, int startIndex,
                                  int lenRemove);
+
+/*
+ * The same in place. What lies behind the new end stays as it was.
+ *
+ *   pSrcDst     the buffer that holds the string
+ *   pSrcDstLen  in: length of the string; out: its new length
+ *   startIndex  where the range begins
+ *   lenRemove   its length
+ *
+ *   zelStatusNullPointer (-8)    pSrcDst or pSrcDstLen is null
+ *   zelStatusLengthError (-119)  *pSrcDstLen, startIndex or lenRemove is negative, or startIndex +
+ *                                lenRemove is greater than *pSrcDstLen
+ */
 ZEL_API ZelStatus zelsRemove_8u_I(Zel8u* pSrcDst, int* pSrcDstLen, int startIndex, int lenRemove);
 ZEL_API ZelStatus zelsRemove_16u_I(Zel16u* pSrcDst, int* pSrcDstLen, int startIndex, int lenRemove);
+
+/*
+ * Writes a string with every valOld replaced by valNew.
+ *
+ *   pSrc    the string
+ *   pDst    the destination, of the same length: every element of it is written. It may be pSrc
+ *           itself, but must not overlap it in another way
+ *   len     the length
+ *   valOld  the element to replace
+ *   valNew  what replaces it
+ *
+ *   zelStatusNullPointer (-8)    pSrc or pDst is null
+ *   zelStatusLengthError (-119)  len is negative
+ */
 ZEL_API ZelStatus zelsReplaceC_8u(const Zel8u* pSrc, Zel8u* pDst, int len, Zel8u valOld,
                                   Zel8u valNew);
 ZEL_API ZelStatus zelsReplaceC_16u(const Zel16u* pSrc, Zel16u* pDst, int len, Zel16u valOld,
                                    Zel16u valNew);
+
+/*
+ * Writes one string behind another.
+ *
+ *   pSrc1, len1  the first string and its length
+ *   pSrc2, len2  the second string and its length
+ *   pDst         the destination, room for len1 + len2 elements. It must not overlap the strings
+ *
+ *   zelStatusNullPointer (-8)    a pointer is null
+ *   zelStatusLengthError (-119)  len1 or len2 is negative
+ */
 ZEL_API ZelStatus zelsConcat_8u(const Zel8u* pSrc1, int len1, const Zel8u* pSrc2, int len2,
                                 Zel8u* pDst);
 ZEL_API ZelStatus zelsConcat_16u(const Zel16u* pSrc1, int len1, const Zel16u* pSrc2, int len2,
                                  Zel16u* pDst);
+
+/*
+ * Writes the strings of a list one behind the other.
+ *
+ *   pSrcList     pointers to the strings
+ *   pSrcLenList  their lengths
+ *   numSrc       number of strings, at least 1
+ *   pDst         the destination, room for the sum of the lengths. It must not overlap the strings
+ *
+ *   zelStatusNullPointer (-8)    pSrcList, pSrcLenList or pDst is null, or a pointer in the list is
+ *   zelStatusLengthError (-119)  a length in the list is negative
+ *   zelStatusSizeError (-6)      numSrc is less than 1
+ *
+ * An entry of the list is checked when its turn comes: after an error in one of them the strings in
+ * front of it have been written.
+ */
 ZEL_API ZelStatus zelsConcat_8u_D2L(const Zel8u* const* pSrcList, const int* pSrcLenList,
                                     int numSrc, Zel8u* pDst);
 ZEL_API ZelStatus zelsConcat_16u_D2L(const Zel16u* const* pSrcList, const int* pSrcLenList,
                                      int numSrc, Zel16u* pDst);
+
+/*
+ * The same with a delimiter between every two strings, empty ones included, so that numSrc - 1 of
+ * them are written in all. The delimiter in front of a faulty entry is not.
+ *
+ *   valDelim  the delimiter
+ *   pDst      the destination, room for the sum of the lengths and numSrc - 1 delimiters
+ */
 ZEL_API ZelStatus zelsConcatC_8u_D2L(const Zel8u* const* pSrcList, const int* pSrcLenList,
                                      int numSrc, Zel8u valDelim, Zel8u* pDst);
 ZEL_API ZelStatus zelsConcatC_16u_D2L(const Zel16u* const* pSrcList, const int* pSrcLenList,
                                       int numSrc, Zel16u valDelim, Zel16u* pDst);
+
+/*
+ * Splits a string at every delimiter and copies the tokens to slots, in order.
+ *
+ *   pSrc         the string
+ *   len          its length
+ *   valDelim     the delimiter; it is not copied
+ *   pDstList     pointers to the slots. They must not overlap the string or each other
+ *   pDstLenList  in: capacity of each slot; out: length of the token in it
+ *   pNumDst      in: number of slots, at least 1; out: number of tokens
+ *
+ *   zelStatusNullPointer (-8)             pSrc, pDstList, pDstLenList or pNumDst is null, or the
+ *                                         pointer of a slot that is needed is
+ *   zelStatusLengthError (-119)           len is negative, or the capacity of a slot that is needed
+ *   zelStatusSizeError (-6)               *pNumDst is less than 1
+ *   zelStatusSplitIncompleteWarning (26)  all slots are filled and there is text left
+ *   zelStatusTruncatedWarning (27)        a token is longer than its slot. The slot is filled with
+ *                                         its beginning. When both warnings apply, it is 26
+ *
+ * A delimiter at the beginning, or two in a row, make an empty token; one at the end makes none,
+ * and an empty string has no tokens. Slots behind the last token are not looked at, and their
+ * capacities stay. A slot is checked when its turn comes: after an error in one of them those in
+ * front of it have been filled, and *pNumDst is as it was.
+ */
 ZEL_API ZelStatus zelsSplitC_8u_D2L(const Zel8u* pSrc, int len, Zel8u valDelim,
                                     Zel8u* const* pDstList, int* pDstLenList, int* pNumDst);
 ZEL_API ZelStatus zelsSplitC_16u_D2L(const Zel16u* pSrc, int len, Zel16u valDelim,
@@ -178,12 +519,61 @@ ZEL_API ZelStatus zelsSplitC_16u_D2L(const Zel16u* pSrc, int len, Zel16u valDeli
 
 /* ---- Trimming -------------------------------------------------------------------------------- */
 
+/*
+ * Cuts a given element, or all elements of a set, off the ends of a string.
+ *
+ *     Zel8u out[16];
+ *     int len;
+ *     zelsTrimC_8u((const Zel8u*)"..one.two..", 11, '.', out, &len);                 "one.two", 7
+ *     zelsTrimStartCAny_8u((const Zel8u*)" \t x ", 5, (const Zel8u*)" \t", 2, out, &len);  "x ", 2
+ *
+ * The part that is kept goes to the start of the destination and its length to *pDstLen. When
+ * nothing is kept, the length is 0 and the destination is not touched; nor is it ever touched
+ * behind the kept part.
+ *
+ *   pSrc     the string
+ *   len      its length
+ *   pDst     the destination, room for what is kept: len elements always suffice. It may be pSrc
+ *            itself, but must not overlap it in another way
+ *   pDstLen  receives the length of what is kept
+ */
+
+/*
+ * Cuts one element off both ends.
+ *
+ *   valTrim  the element
+ *
+ *   zelStatusNullPointer (-8)    pSrc, pDst or pDstLen is null
+ *   zelStatusLengthError (-119)  len is negative
+ */
 ZEL_API ZelStatus zelsTrimC_8u(const Zel8u* pSrc, int len, Zel8u valTrim, Zel8u* pDst,
                                int* pDstLen);
 ZEL_API ZelStatus zelsTrimC_16u(const Zel16u* pSrc, int len, Zel16u valTrim, Zel16u* pDst,
                                 int* pDstLen);
+
+/*
+ * The same in place. What lies behind the new end stays as it was.
+ *
+ *   pSrcDst     the buffer that holds the string
+ *   pSrcDstLen  in: length of the string; out: its new length
+ *   valTrim     the element
+ *
+ *   zelStatusNullPointer (-8)    pSrcDst or pSrcDstLen is null
+ *   zelStatusLengthError (-119)  *pSrcDstLen is negative
+ */
 ZEL_API ZelStatus zelsTrimC_8u_I(Zel8u* pSrcDst, int* pSrcDstLen, Zel8u valTrim);
 ZEL_API ZelStatus zelsTrimC_16u_I(Zel16u* pSrcDst, int* pSrcDstLen, Zel16u valTrim);
+
+/*
+ * Cuts every element of a set off both ends, off the start, or off the end.
+ *
+ *   pTrim    the set, in any order, with or without repetitions. An empty one cuts nothing: the
+ *            whole string is copied. It must not overlap the destination
+ *   lenTrim  number of elements in it
+ *
+ *   zelStatusNullPointer (-8)    pSrc, pTrim, pDst or pDstLen is null
+ *   zelStatusLengthError (-119)  len or lenTrim is negative
+ */
 ZEL_API ZelStatus zelsTrimCAny_8u(const Zel8u* pSrc, int len, const Zel8u* pTrim, int lenTrim,
                                   Zel8u* pDst, int* pDstLen);
 ZEL_API ZelStatus zelsTrimCAny_16u(const Zel16u* pSrc, int len, const Zel16u* pTrim, int lenTrim,
@@ -199,17 +589,96 @@ ZEL_API ZelStatus zelsTrimEndCAny_16u(const Zel16u* pSrc, int len, const Zel16u*
 
 /* ---- Hashing --------------------------------------------------------------------------------- */
 
+/*
+ * Three fixed 32-bit hashes for tables keyed by strings. They are no defence against an adversary
+ * who chooses the keys. Their values never change, in any version, so they may be stored.
+ *
+ *     Zel32u h;
+ *     zelsHashSJ2_8u32u((const Zel8u*)"ab", 2, &h);     97 * 31 + 98 = 3105
+ *
+ *   pSrc      the string
+ *   len       its length
+ *   pHashVal  receives the hash; after an error it is as it was
+ *
+ *   zelStatusNullPointer (-8)    pSrc or pHashVal is null
+ *   zelStatusLengthError (-119)  len is negative
+ *
+ * All arithmetic is modulo 2^32, elements enter as unsigned numbers, and strings of the same
+ * element values have the same hash in both widths.
+ */
+
+/* h = (h << 1) ^ c for each element c, from 0. Elements more than 31 places in front of the end
+ * have no effect. */
 ZEL_API ZelStatus zelsHash_8u32u(const Zel8u* pSrc, int len, Zel32u* pHashVal);
 ZEL_API ZelStatus zelsHash_16u32u(const Zel16u* pSrc, int len, Zel32u* pHashVal);
+
+/* h = h * 31 + c for each element c, from 0. */
 ZEL_API ZelStatus zelsHashSJ2_8u32u(const Zel8u* pSrc, int len, Zel32u* pHashVal);
 ZEL_API ZelStatus zelsHashSJ2_16u32u(const Zel16u* pSrc, int len, Zel32u* pHashVal);
+
+/* h = (h * 33) ^ c for each element c, from 5381, up to the first element that is 0 if there is
+ * one; the other two hash a zero like any other element. */
 ZEL_API ZelStatus zelsHashMSCS_8u32u(const Zel8u* pSrc, int len, Zel32u* pHashVal);
 ZEL_API ZelStatus zelsHashMSCS_16u32u(const Zel16u* pSrc, int len, Zel32u* pHashVal);
 
 /* ---- UTF conversion -------------------------------------------------------------------------- */
 
+/*
+ * Conversion between UTF-8 and UTF-16. Malformed text is no error: it passes through by fixed
+ * rules. Both functions convert as much as fits and report how far they came, so that a long text
+ * can be converted piece by piece.
+ *
+ *     const Zel8u text[] = "caf\xC3\xA9";
+ *     Zel16u units[5];
+ *     int srcLen = 5, dstLen = 5;
+ *     zelsConvertUTF_8u16u(text, &srcLen, units, &dstLen, 0);     srcLen 5, dstLen 4
+ *
+ * The destination must not overlap the source. What lies behind the reported count stays as it was.
+ * Lengths are not checked for sign.
+ *
+ *   zelStatusNullPointer (-8)  a pointer is null; there is no other status but 0
+ */
+
+/*
+ * UTF-8 to UTF-16.
+ *
+ *   pSrc       the source. It ends with a whole character, or a byte that continues no sequence
+ *              (outside 0x80..0xBF) stands behind it: a sequence is read as far as it goes
+ *   pSrcLen    in: bytes of source; out: bytes consumed
+ *   pDst       the destination
+ *   pDstLen    in: room in code units; out: code units written. Give at least as much room as the
+ *              source has bytes: no character yields more units than it has bytes
+ *   swapBytes  0 for units in the machine's own byte order. Otherwise a single unit is written as
+ *              its low byte shifted up: below U+0100 that is a byte swap, from there on the high
+ *              byte is lost. A surrogate pair is written low unit first, not byte-swapped
+ *
+ * Sequences of up to six bytes and values up to 0x7FFFFFFF are taken, encoded surrogates too; of a
+ * value above 0x10FFFF the surrogate pair keeps the low 20 bits of its offset from 0x10000. A byte
+ * that begins no sequence in its shortest form becomes the unit of the same value, 0x80 to 0xFF.
+ *
+ * A smaller room works as long as it is used up exactly. The conversion ends when the room, or the
+ * source, comes to exactly nothing: a pair that is written into the last unit of room passes over
+ * that end, and everything up to the end of the source is written behind it; a sequence that goes
+ * on behind the end of the source passes over that end, and the conversion goes on to the end of
+ * the room.
+ */
 ZEL_API ZelStatus zelsConvertUTF_8u16u(const Zel8u* pSrc, int* pSrcLen, Zel16u* pDst, int* pDstLen,
                                        int swapBytes);
+
+/*
+ * UTF-16 to UTF-8. The conversion ends in front of the first character that does not fit; call
+ * again for the rest. Three bytes of room for each code unit always suffice.
+ *
+ *   pSrc       the source
+ *   pSrcLen    in: code units of source; out: code units consumed
+ *   pDst       the destination
+ *   pDstLen    in: room in bytes; out: bytes written
+ *   swapBytes  0 for units in the machine's own byte order; otherwise the bytes of each unit are
+ *              swapped first
+ *
+ * A surrogate without its partner becomes a sequence of three bytes. A high surrogate at the end of
+ * the source has no partner: when a text comes in pieces, keep it back for the next one.
+ */
 ZEL_API ZelStatus zelsConvertUTF_16u8u(const Zel16u* pSrc, int* pSrcLen, Zel8u* pDst, int* pDstLen,
                                        int swapBytes);
 
