@@ -15,7 +15,14 @@
 namespace differential {
 namespace {
 
-RegexpTotals totals;
+struct {
+    long long compiled = 0;
+    long long rejected = 0;
+    long long searches = 0;
+    long long matched = 0;
+    long long boundaries = 0;  // searches whose step count was compared exactly
+    long long steps = 0;
+} totals;
 
 constexpr Zel8u untouched = 0xCD;
 constexpr size_t canarySize = 64;
@@ -315,8 +322,11 @@ RegexpCase shrink(const RegexpCase& testCase) {
     return test;
 }
 
-const RegexpTotals& regexpTotals() {
-    return totals;
+std::string regexpTotals() {
+    return std::to_string(totals.compiled) + " compiled, " + std::to_string(totals.rejected) +
+           " rejected, " + std::to_string(totals.searches) + " searches, " +
+           std::to_string(totals.matched) + " matched, " + std::to_string(totals.boundaries) +
+           " step counts, " + std::to_string(totals.steps) + " steps";
 }
 
 }  // namespace differential

@@ -30,15 +30,7 @@ std::string compare(const RegexpCase& testCase);
 /// The smallest case found that still fails.
 RegexpCase shrink(const RegexpCase& testCase);
 
-/// What the comparisons ran so far.
-struct RegexpTotals {
-    long long compiled = 0;  // patterns that compile
-    long long rejected = 0;
-    long long searches = 0;
-    long long matched = 0;
-    long long boundaries = 0;  // searches whose step count was compared exactly
-    long long steps = 0;
-};
-const RegexpTotals& regexpTotals();
+/// What the comparisons ran so far, in words.
+std::string regexpTotals();
 
 }  // namespace differential
