@@ -104,6 +104,7 @@ PatternSource::Part PatternSource::escape() {
         {"\\x{7FFFFFFF}", "\xFD\xBF\xBF\xBF\xBF\xBF"},
         {"\\.", "."},
         {"\\]", "]"},
+        {"\\x{FFFFFFFF}", "a"},
     };
     return random_.pick(escapes);
 }
@@ -202,6 +203,7 @@ PatternSource::Part PatternSource::classMember() {
                                           {"\\x{80}-\\x{7FF}", "é"},
                                           {"\\x{e0}-\\x{ff}", "é"},
                                           {"\\x{100}-\\x{10FFFF}", "漢"},
+                                          {"\\0-\\x{FFFFFFFF}", "x"},
                                           {"à-ö", "é"},
                                           {" -~", "k"},
                                           {"Α-Ω", "σ"}};

@@ -11,6 +11,7 @@
 #include "pattern_source.h"
 #include "regexp/program.h"
 #include "report.h"
+#include "shrink.h"
 
 namespace differential {
 namespace {
@@ -255,54 +256,6 @@ std::string compare(const RegexpCase& testCase) {
     CrashReporter::running(nullptr);
     return difference;
 }
-
-namespace {
-
-/// Drops ever smaller pieces of `text` for as long as the case keeps failing.
-bool shorten(RegexpCase& test, std::string RegexpCase::*member) {
-    bool changed = false;
-    for (size_t size = (test.*member).size(); size >= 1; size /= 2) {
-        for (size_t at = 0; at + size <= (test.*member).size();) {
-            RegexpCase smaller = test;
-            (smaller.*member).erase(at, size);
-            if (compare(smaller).empty()) {
-                ++at;
-            } else {
-                test = smaller;
-                changed = true;
-            }
-        }
-    }
-    return changed;
-}
-
-template <typename T>
-bool simplify(RegexpCase& test, T RegexpCase::*member, T value) {
-    if (test.*member == value) return false;
-    RegexpCase simpler = test;
-    simpler.*member = value;
-    if (compare(simpler).empty()) return false;
-    test = simpler;
-    return true;
-}
-
-bool simplifyBytes(RegexpCase& test, std::string RegexpCase::*member) {
-    bool changed = false;
-    for (size_t i = 0; i < (test.*member).size(); ++i) {
-        for (char plain : {'a', 'b'}) {
-            if ((test.*member)[i] == plain) break;
-            RegexpCase simpler = test;
-            (simpler.*member)[i] = plain;
-            if (compare(simpler).empty()) continue;
-            test = simpler;
-            changed = true;
-            break;
-        }
-    }
-    return changed;
-}
-
-}  // namespace
 
 RegexpCase shrink(const RegexpCase& testCase) {
     RegexpCase test = testCase;

@@ -44,8 +44,8 @@ std::string quoted(const std::string& bytes) {
         if (c == '"' || c == '\\') {
             text += '\\';
             text += byte;
-        } else if (c == '?') {
-            text += "?";
+        } else if (c == '?' && text.back() == '?') {
+            text += "\\?";  // no trigraph
         } else if (c >= 0x20 && c < 0x7F) {
             text += byte;
         } else {

@@ -9,6 +9,7 @@
 
 #include "guarded.h"
 #include "report.h"
+#include "shrink.h"
 #include "string_functions.h"
 
 namespace differential {
@@ -590,37 +591,6 @@ std::string compare(const StringCase& testCase) {
     return difference;
 }
 
-namespace {
-
-bool shorten(StringCase& test, std::vector<Zel16u> StringCase::*member) {
-    bool changed = false;
-    for (size_t size = (test.*member).size(); size >= 1; size /= 2) {
-        for (size_t at = 0; at + size <= (test.*member).size();) {
-            StringCase smaller = test;
-            auto begin = (smaller.*member).begin() + static_cast<std::ptrdiff_t>(at);
-            (smaller.*member).erase(begin, begin + static_cast<std::ptrdiff_t>(size));
-            if (compare(smaller).empty()) {
-                ++at;
-            } else {
-                test = smaller;
-                changed = true;
-            }
-        }
-    }
-    return changed;
-}
-
-bool simplify(StringCase& test, int StringCase::*member) {
-    if (test.*member == 0) return false;
-    StringCase simpler = test;
-    simpler.*member = 0;
-    if (compare(simpler).empty()) return false;
-    test = simpler;
-    return true;
-}
-
-}  // namespace
-
 StringCase shrink(const StringCase& testCase) {
     StringCase test = testCase;
     // Pieces of lists refer to the source's length, so list cases stay as they are.
@@ -628,12 +598,12 @@ StringCase shrink(const StringCase& testCase) {
     for (int round = 0; round < 4; ++round) {
         bool changed = shorten(test, &StringCase::source);
         changed |= shorten(test, &StringCase::second);
-        changed |= simplify(test, &StringCase::sourceOffset);
-        changed |= simplify(test, &StringCase::secondOffset);
-        changed |= simplify(test, &StringCase::targetOffset);
-        changed |= simplify(test, &StringCase::placement);
-        changed |= simplify(test, &StringCase::start);
-        changed |= simplify(test, &StringCase::amount);
+        changed |= simplify(test, &StringCase::sourceOffset, 0);
+        changed |= simplify(test, &StringCase::secondOffset, 0);
+        changed |= simplify(test, &StringCase::targetOffset, 0);
+        changed |= simplify(test, &StringCase::placement, 0);
+        changed |= simplify(test, &StringCase::start, 0);
+        changed |= simplify(test, &StringCase::amount, 0);
         if (!changed) break;
     }
     return test;

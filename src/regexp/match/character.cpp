@@ -110,7 +110,7 @@ bool acceptsNoWide(const Node& member) {
         case NodeLetter:
             return member.value < 0x80 && member.extra >= 0;
         case NodeRange:
-            return member.count < 0x80 && member.extra >= 0;
+            return static_cast<Zel32u>(member.count) < 0x80 && member.extra >= 0;
         case NodeLetterRange:
             return (member.value == 'd' || member.value == 's' || member.value == 'w') &&
                    member.extra >= 0;

@@ -1,0 +1,39 @@
+// Cases on which library and model once disagreed, as the differential programs printed them,
+// shrunk. Both sides must agree on every one of them for good.
+#include <gtest/gtest.h>
+
+#include "regexp_case.h"
+#include "replace_case.h"
+#include "report.h"
+
+namespace differential {
+namespace {
+
+const RegexpCase regexpCases[] = {
+    // A range whose upper end has its highest bit set.
+    {"[\\0-\\x{FFFFFFFF}]+", "", 1, 1500, "xx", 0, 16},
+    // A quotation that holds nothing stands between an atom and its quantifier.
+    {".{5}.\\Q\\E*", "", 1, 10000, "", 0, 16},
+    // The pattern ends inside what might have become a class part.
+    {"[[::", "", 1, 10000, "", 0, 16},
+    // An ASCII range and a wide character whose case mapping lies in it.
+    {"[a-k]", "i", 1, 10000, "\342\204\252", 0, 16},
+    {"a[a-}]", "i", 1, 10000, "a\342\204\252", 0, 16},
+    // What lazy routines left raised inside an atomic group stays raised when its body fails.
+    {"(?>(e\?\?a))|", "", 1, 10000, "e", 0, 16},
+    {"(?>a+?a)*", "", 1, 10000, "a", 0, 16},
+    {"[a](?>\\D{3}?(a))*", "", 1, 10000, "aaaa", 0, 16},
+    {"(?>\\PC+?)*\\x{10400}[\\1]", "", 1, 10000, "\360\220\220\200\001", 0, 16},
+    {"((?>\\p{Z}*?)|){4}", "", 1, 10000, "a", 0, 16},
+};
+
+TEST(Regression, RegexpCasesAgree) {
+    onDeepStack([] {
+        for (const RegexpCase& testCase : regexpCases) {
+            EXPECT_EQ(compare(testCase), "") << testCase.text();
+        }
+    });
+}
+
+}  // namespace
+}  // namespace differential
