@@ -373,6 +373,39 @@ TEST(Unicode, ScriptPairsAscendAndNoCodePointHasTwoScripts) {
     }
 }
 
+TEST(Unicode, NameSearchFindsWhatAScanInTableOrderFinds) {
+    const auto scan = [](const std::string& text) -> const UniBlock* {
+        for (const UniBlock& block : UniBlockTbl) {
+            if (strncmp(text.c_str(), block.name, text.size()) == 0) return &block;
+        }
+        return nullptr;
+    };
+    for (const UniBlock& row : UniBlockTbl) {
+        const std::string name = row.name;
+        // Every beginning of every name, and the name with something wrong at its end.
+        for (size_t length = 1; length <= name.size(); ++length) {
+            const std::string text = name.substr(0, length);
+            EXPECT_EQ(findUniBlock(text.c_str(), length), scan(text)) << text;
+            const std::string other = text.substr(0, length - 1) + "~";
+            if (length > 1) {
+                EXPECT_EQ(findUniBlock(other.c_str(), length), nullptr) << other;
+            }
+        }
+        EXPECT_EQ(findUniBlock((name + "x").c_str(), name.size() + 1), scan(name + "x")) << name;
+    }
+    const std::string longer = "In" + std::string(200, 'B');
+    EXPECT_EQ(findUniBlock(longer.c_str(), longer.size()), nullptr);
+    for (const UniScript& row : UniScriptTbl) {
+        const std::string name = row.name;
+        EXPECT_EQ(findUniScript(name.c_str(), name.size()), &row);
+        EXPECT_EQ(findUniScript((name + "}").c_str(), name.size()), &row);
+        EXPECT_EQ(findUniScript((name + "x").c_str(), name.size() + 1), nullptr);
+        EXPECT_NE(findUniScript(name.c_str(), name.size() - 1), &row);
+        EXPECT_EQ(findUniScript(("x" + name).c_str(), name.size() + 1), nullptr);
+    }
+    EXPECT_EQ(findUniScript("", 0), nullptr);
+}
+
 TEST(Unicode, PairSearchAgreesWithAPlainScan) {
     for (const UniScript& script : UniScriptTbl) {
         // Every edge of every pair of every script, and its neighbours.

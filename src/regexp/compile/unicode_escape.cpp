@@ -8,72 +8,47 @@
 namespace zel {
 namespace {
 
-struct Category {
-    char name[3];
+/// A major category and the letters of its minor ones, each with its own bit in this order.
+struct MajorCategory {
+    char letter;
     int value;
+    const char* minors;
 };
 
-/// In the order in which names are tried.
-constexpr Category kCategories[] = {
-    {"C", 0x2000},  {"Cc", 0x2001}, {"Cf", 0x2002}, {"Cn", 0x2010}, {"Co", 0x2004}, {"Cs", 0x2008},
-    {"L", 0x80},    {"L&", 0x87},   {"Ll", 0x81},   {"Lm", 0x88},   {"Lo", 0x90},   {"Lt", 0x84},
-    {"Lu", 0x82},   {"M", 0x100},   {"Mc", 0x102},  {"Me", 0x104},  {"Mn", 0x101},  {"N", 0x800},
-    {"Nd", 0x801},  {"Nl", 0x802},  {"No", 0x804},  {"P", 0x1000},  {"Pc", 0x1020}, {"Pd", 0x1001},
-    {"Pe", 0x1004}, {"Pf", 0x1010}, {"Pi", 0x1008}, {"Po", 0x1040}, {"Ps", 0x1002}, {"S", 0x400},
-    {"Sc", 0x402},  {"Sk", 0x404},  {"Sm", 0x401},  {"So", 0x408},  {"Z", 0x200},   {"Zl", 0x202},
-    {"Zp", 0x204},  {"Zs", 0x201},
+constexpr MajorCategory kMajorCategories[] = {
+    {'L', 0x80, "lutmo"}, {'M', 0x100, "nce"},      {'Z', 0x200, "slp"},    {'S', 0x400, "mcko"},
+    {'N', 0x800, "dlo"},  {'P', 0x1000, "dseifco"}, {'C', 0x2000, "cfosn"},
 };
 
-/// A name in the pattern; not terminated.
-struct Name {
-    const char* text;
-    size_t length;
-
-    bool equals(const char* other) const {
-        return strncmp(text, other, length) == 0 && other[length] == '\0';
+/// The value of the category of that name, or 0.
+int findCategory(const char* name, size_t length) {
+    if (length != 1 && length != 2) return 0;
+    for (const MajorCategory& major : kMajorCategories) {
+        if (major.letter != name[0]) continue;
+        if (length == 1) return major.value;
+        if (major.letter == 'L' && name[1] == '&') return 0x87;  // Ll, Lu and Lt
+        const char* const minor = strchr(major.minors, name[1]);
+        return minor != nullptr ? major.value | 1 << (minor - major.minors) : 0;
     }
-    bool begins(const char* other) const { return strncmp(text, other, length) == 0; }
-};
-
-const Category* findCategory(const Name& name) {
-    if (name.length > 2) return nullptr;
-    for (const Category& category : kCategories) {
-        if (name.equals(category.name)) return &category;
-    }
-    return nullptr;
-}
-
-const UniBlock* findBlock(const Name& name) {
-    if (name.text[0] != 'I') return nullptr;
-    for (const UniBlock& block : UniBlockTbl) {
-        if (name.begins(block.name)) return &block;
-    }
-    return nullptr;
-}
-
-const UniScript* findScript(const Name& name) {
-    for (const UniScript& script : UniScriptTbl) {
-        if (name.equals(script.name)) return &script;
-    }
-    return nullptr;
+    return 0;
 }
 
 /// The negation flag is in `count` for categories and scripts but in `extra` for ranges.
-bool makeNode(const Name& name, int negated, Node& node) {
-    if (const Category* category = findCategory(name)) {
-        node = {NodeUnicodeCategory, category->value, negated, 0, nullptr};
+bool makeNode(const char* name, size_t length, int negated, Node& node) {
+    if (const int category = findCategory(name, length)) {
+        node = {NodeUnicodeCategory, category, negated, 0, nullptr};
         return true;
     }
-    if (name.equals("Any")) {
+    if (length == 3 && memcmp(name, "Any", 3) == 0) {
         node = {NodeUnicodeProperty, 0, 0x10FFFF, negated, nullptr};
         return true;
     }
-    if (const UniBlock* block = findBlock(name)) {
+    if (const UniBlock* block = name[0] == 'I' ? findUniBlock(name, length) : nullptr) {
         node = {NodeUnicodeProperty, static_cast<int>(block->first), static_cast<int>(block->last),
                 negated, nullptr};
         return true;
     }
-    if (const UniScript* script = findScript(name)) {
+    if (const UniScript* script = findUniScript(name, length)) {
         node = {NodeUnicodeScript, 1, negated, script->pairCount, script->pairs};
         return true;
     }
@@ -87,10 +62,9 @@ ZelStatus Compiler::readProperty(const Zel8u*& p, Node& node) {
     int negated = *p == 'P' ? 1 : 0;
     ++p;
     if (*p != '{') {
-        const char letter[2] = {static_cast<char>(*p), '\0'};
-        const Category* category = *p != '\0' ? findCategory({letter, 1}) : nullptr;
-        if (category == nullptr) return fail(zelStatusRegExpEscapeError, p);
-        node = {NodeUnicodeCategory, category->value, negated, 0, nullptr};
+        const int category = findCategory(reinterpret_cast<const char*>(p), 1);
+        if (category == 0) return fail(zelStatusRegExpEscapeError, p);
+        node = {NodeUnicodeCategory, category, negated, 0, nullptr};
         ++p;
         return zelStatusOk;
     }
@@ -101,11 +75,10 @@ ZelStatus Compiler::readProperty(const Zel8u*& p, Node& node) {
         ++p;
     }
     const char* const text = reinterpret_cast<const char*>(p);
-    const size_t length = strcspn(text, "}");
+    size_t length = 0;
+    while (text[length] != '\0' && text[length] != '}') ++length;
     if (text[length] == '\0') return fail(zelStatusRegExpEscapeError, p + length);
-    if (length == 0 || !makeNode({text, length}, negated, node)) {
-        return fail(zelStatusRegExpEscapeError, p);
-    }
+    if (!makeNode(text, length, negated, node)) return fail(zelStatusRegExpEscapeError, p);
     p += length + 1;
     return zelStatusOk;
 }

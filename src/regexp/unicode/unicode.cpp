@@ -4,8 +4,13 @@
 // size is chosen so that a page touches at most one uniform range, which makes finding a range one
 // load and one comparison. The pairs of a script are few; a binary search is enough there.
 //
+// Names of blocks and scripts are found as a scan in table order would find them, over only those
+// rows that share a letter with the name.
+//
 // The data files are generated: see tools/make_unicode_tables.py.
 #include "regexp/unicode/unicode.h"
+
+#include <string.h>
 
 namespace zel {
 
@@ -25,6 +30,54 @@ static_assert(UniTbl[kUniTblSize - 1].codePoint == kUniTblLast);
 }  // namespace
 
 #include "regexp/unicode/script_names_tables.inc"
+
+namespace {
+
+constexpr int kNoRow = 0xFF;
+
+/// The rows of a table in chains, one chain for all names that share the low bits of one letter.
+/// Each chain keeps the order of the table.
+template <int kRows>
+struct LetterChains {
+    static_assert(kRows <= kNoRow);
+    Zel8u first[32];
+    Zel8u next[kRows] = {};
+
+    template <typename Row>
+    constexpr LetterChains(const Row* rows, int letter) {
+        for (Zel8u& row : first) row = kNoRow;
+        for (int row = kRows - 1; row >= 0; --row) {
+            Zel8u& head = first[rows[row].name[letter] & 31];
+            next[row] = head;
+            head = static_cast<Zel8u>(row);
+        }
+    }
+
+    constexpr int head(char letter) const { return first[letter & 31]; }
+};
+
+// Every block's name begins with "In".
+constexpr LetterChains<kUniBlockTblSize> kBlocksByLetter(UniBlockTbl, 2);
+constexpr LetterChains<kUniScriptCount> kScriptsByLetter(UniScriptTbl, 0);
+
+}  // namespace
+
+const UniBlock* findUniBlock(const char* text, size_t length) {
+    int row = length <= 2 ? 0 : kBlocksByLetter.head(text[2]);
+    for (; row != kNoRow; row = kBlocksByLetter.next[row]) {
+        if (strncmp(text, UniBlockTbl[row].name, length) == 0) return &UniBlockTbl[row];
+    }
+    return nullptr;
+}
+
+const UniScript* findUniScript(const char* name, size_t length) {
+    int row = length == 0 ? kNoRow : kScriptsByLetter.head(name[0]);
+    for (; row != kNoRow; row = kScriptsByLetter.next[row]) {
+        const char* const other = UniScriptTbl[row].name;
+        if (strncmp(name, other, length) == 0 && other[length] == '\0') return &UniScriptTbl[row];
+    }
+    return nullptr;
+}
 
 const UniEntry* findUniEntry(int codePoint) {
     const Zel32u c = static_cast<Zel32u>(codePoint);

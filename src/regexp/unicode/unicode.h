@@ -3,6 +3,8 @@
 // case mappings.
 #pragma once
 
+#include <stddef.h>
+
 #include "zelchmx.h"
 
 namespace zel {
@@ -61,6 +63,13 @@ const UniEntry* findUniEntry(int codePoint);
 
 /// The UniRangeTbl range that holds a code point, or null. Constant time.
 const UniRange* findUniRange(int codePoint);
+
+/// The first block, in table order, whose name begins with the text, or null. The text begins with
+/// "I" or is empty.
+const UniBlock* findUniBlock(const char* text, size_t length);
+
+/// The script of exactly that name, or null.
+const UniScript* findUniScript(const char* name, size_t length);
 
 /// Whether a code point lies in one of the ascending pairs; logarithmic time.
 bool inUniPairs(const UniPair* pairs, int pairCount, int codePoint);
