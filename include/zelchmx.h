@@ -684,16 +684,171 @@ ZEL_API ZelStatus zelsConvertUTF_16u8u(const Zel16u* pSrc, int* pSrcLen, Zel8u* 
 
 /* ---- Regular expressions: pattern objects ---------------------------------------------------- */
 
-/* A compiled pattern in memory of the caller's: zelsRegExpGetSize says how much. */
+/*
+ * A pattern is compiled once into an object and then searched for any number of times.
+ *
+ *     const char* pattern = "(\\w+)=(\\d+)";
+ *     ZelRegExpState* state;
+ *     int at;
+ *     ZelStatus status = zelsRegExpInitAlloc(pattern, "i", &state, &at);
+ *     if (status != zelStatusOk) {
+ *         if (status != zelStatusNullPointer) fprintf(stderr, "%s\n%*s^\n", pattern, at, "");
+ *         return;
+ *     }
+ *     ... zelsRegExpFind_8u(text, length, state, ...) ...
+ *     zelsRegExpFree(state);
+ *
+ * The same without any allocation by the library:
+ *
+ *     int size;
+ *     zelsRegExpGetSize(pattern, &size);
+ *     ... state = a block of `size` bytes ...
+ *     zelsRegExpInit(pattern, "i", state, &at);
+ *
+ * The object holds all it needs: the pattern may go away after compilation. It also holds the
+ * scratch memory of a search, 48000 bytes in every object, so that searching allocates nothing;
+ * therefore one object serves one search at a time. Different objects are independent of each
+ * other.
+ *
+ * What a pattern is made of
+ *
+ *   abc           literal bytes; everything without a meaning of its own is literal
+ *   .             any character but newline; with option s, any character
+ *   a|b           one or the other, tried from left to right
+ *   ^ $           start of the text, and its end or the place in front of a final newline; with
+ *                 option m, start and end of every line
+ *   [a-z_]        a character of the class; [^a-z_] one that is not in it. A "]" directly behind
+ *                 the opening is a member, and so is a "-" that cannot join two characters
+ *   [[:digit:]]   inside a class: alnum alpha ascii blank cntrl digit graph lower print punct space
+ *                 upper word xdigit. [:^digit:] inverts. "graph", "print" and "punct" are wider
+ *                 than those of the C library: they go up to 0xFF, and "punct" has the space
+ *   (a)           capturing group, numbered by its "(" from 1
+ *   (?:a) (?>a)   group that captures nothing; the same, never giving back once it has matched
+ *   (?=a) (?!a)   what follows matches a, or does not
+ *   (?<=a) (?<!a) what precedes matches a, or does not. All branches of a must have the same
+ *                 length; a quantifier counts with its minimum, so that (?<=x{2,5}) looks back 2
+ *                 characters
+ *   (?(1)a|b)     a when group 1 has taken part in the match, else b. The number's digits count in
+ *                 base 11: (?(12)a) asks for group 13. Any of the four look-arounds may stand in
+ *                 place of the number: (?(?=a)b|c)
+ *   (?i-m) (?i:a) options i m s x switched on and, behind a "-", off: from here to the end of the
+ *                 enclosing group, or for a
+ *   (?#text)      comment
+ *   a* a+ a? a{n} a{n,} a{n,m} a{,m}
+ *                 repetition, as often as possible; a "?" behind it makes it as seldom as possible.
+ *                 A bound is 65535 at most. It applies to the last byte of a literal text, also of
+ *                 one in UTF-8: write [...] or (?:...) around a character to repeat it
+ *   \1 to \9      what the group matched. Two or three digits are a group's number in decimal when
+ *                 there is such a group, else one byte in octal
+ *   \d \s \w      digit, white space, word byte (ASCII only); \D \S \W their opposites
+ *   \A \z \Z \G   start of the text, end of the text, end or in front of a final newline, start
+ *   \b \B         between a word byte and another byte; anywhere else
+ *   \C \X         any single byte; a character with the combining marks that follow it
+ *   \p{..} \P{..} a Unicode property, or not that property: a general category (L, Lu, L& and so
+ *                 on; one letter needs no braces), Any, a script as in \p{Greek}, or a block as in
+ *                 \p{InBasicLatin}, whose name may be cut short. \p{^..} is \P{..}. Unicode 5.1
+ *   \a \e \f \n \r \t \v \0oo \xhh \x{h..} \cX
+ *                 one character by name, in octal, in hexadecimal, or a control character
+ *   \Q..\E        everything in between is literal
+ *
+ * A backslash takes the meaning from every other byte.
+ *
+ * A pattern that ends in a literal outside of groups is searched only up to the last place where
+ * that literal stands in the text. By design this holds behind a bar too, once a repeated letter
+ * stands between bar and literal: a|bc*d finds nothing in a text without a d.
+ *
+ * Options: g finds all matches instead of the first, i ignores case, m and s as said above, x skips
+ * white space (blank, tab, newline, form feed, carriage return) and comments from "#" to the end of
+ * the line, outside of classes.
+ */
+
+/* A compiled pattern, in memory aligned for a pointer. */
 typedef struct ZelRegExpState ZelRegExpState;
 
+/*
+ * Stores in *pSize how many bytes the object of a pattern needs: 24 for each byte of the pattern,
+ * and 48056 more. The pattern is only measured; it need not be a correct one.
+ *
+ *   pSrc   the pattern, zero-terminated
+ *   pSize  receives the number of bytes; of a pattern longer than 89476482 bytes, whose object does
+ *          not fit the type, the low 32 bits, which are of no use
+ *
+ *   zelStatusNullPointer (-8)  pSrc or pSize is null
+ */
 ZEL_API ZelStatus zelsRegExpGetSize(const char* pSrc, int* pSize);
+
+/*
+ * Compiles a pattern into a block of the caller's. The new object takes texts in UTF-8 and has a
+ * match limit of 10000. A block may be used again for another pattern that it has room for.
+ *
+ *   pSrc        the pattern, zero-terminated
+ *   pOptions    any of the letters g i m s x, in any order, zero-terminated; null for none
+ *   pState      a block of at least the size that zelsRegExpGetSize gives, aligned for a pointer.
+ *               It need not be cleared. After a failure it must not be searched
+ *   pErrOffset  receives the offset in bytes of the fault in the pattern, from 0 to the pattern's
+ *               length; 0 for a faulty option. Not written on success, nor with -8
+ *
+ *   zelStatusNullPointer (-8)              pSrc, pState or pErrOffset is null
+ *   zelStatusRegExpEscapeError (-183)      a backslash at the end; \x{ without its brace; an
+ *                                          unknown or unfinished property
+ *   zelStatusRegExpCharClassError (-184)   an unfinished class; a range whose ends are reversed; an
+ *                                          unknown [:name:]; bytes that are no UTF-8 in a class
+ *   zelStatusRegExpBackRefError (-185)     \1 to \9 without such a group; a condition on group 0
+ *   zelStatusRegExpGroupingError (-186)    parentheses that do not match, or more than 999 of them;
+ *                                          an unknown (? construct; a bad or repeated condition; a
+ *                                          third branch; a look-behind without a fixed length; a
+ *                                          class that is empty or has ^ as its only member
+ *   zelStatusRegExpQuantifierError (-187)  a quantifier with nothing in front that it could repeat,
+ *                                          directly behind another one, or with bad bounds
+ *   zelStatusRegExpOptionsError (-190)     a byte of pOptions is no option
+ */
 ZEL_API ZelStatus zelsRegExpInit(const char* pSrc, const char* pOptions, ZelRegExpState* pState,
                                  int* pErrOffset);
+
+/*
+ * Allocates an object with zelsMalloc_8u and compiles a pattern into it. Release it with
+ * zelsRegExpFree.
+ *
+ *   pSrc        the pattern, zero-terminated
+ *   pOptions    as for zelsRegExpInit
+ *   ppState     receives the object; null when the allocation or the compilation fails
+ *   pErrOffset  as for zelsRegExpInit
+ *
+ *   zelStatusNullPointer (-8)  pSrc, ppState or pErrOffset is null, or the object cannot be
+ *                              allocated, be it for want of memory or because its size does not fit
+ *                              32 bits. With a null pSrc or ppState nothing is written
+ *   otherwise                  as for zelsRegExpInit
+ */
 ZEL_API ZelStatus zelsRegExpInitAlloc(const char* pSrc, const char* pOptions,
                                       ZelRegExpState** ppState, int* pErrOffset);
+
+/* Releases an object from zelsRegExpInitAlloc, and no other. Null is accepted and does nothing.
+ * Always zelStatusOk. */
 ZEL_API ZelStatus zelsRegExpFree(ZelRegExpState* pState);
+
+/*
+ * Says how an object is to read texts.
+ *
+ *   fmt     1 for UTF-8 (as after compilation): characters have one to six bytes, and a byte that
+ *           is no part of one is a character by itself. 0 for single bytes. Patterns are compiled
+ *           alike for both; the members of a class are always read as UTF-8
+ *   pState  the object
+ *
+ *   zelStatusNullPointer (-8)  pState is null
+ *   zelStatusBadArgError (-7)  fmt is neither 0 nor 1; nothing is stored
+ */
 ZEL_API ZelStatus zelsRegExpSetFormat(int fmt, ZelRegExpState* pState);
+
+/*
+ * Limits how many steps one search call may take before it gives up with
+ * zelStatusRegExpMatchLimitError (-188). A step is one node of the compiled pattern, executed once.
+ *
+ *   limit   the number of steps; 10000 after compilation, 0 allows almost nothing
+ *   pState  the object
+ *
+ *   zelStatusNullPointer (-8)    pState is null
+ *   zelStatusLengthError (-119)  limit is negative; nothing is stored
+ */
 ZEL_API ZelStatus zelsRegExpSetMatchLimit(int limit, ZelRegExpState* pState);
 
 /* ---- Regular expressions: search ------------------------------------------------------------- */
