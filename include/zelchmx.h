@@ -38,6 +38,7 @@ typedef unsigned int Zel32u;   /* a hash value or a pattern identifier */
 /* The result of a call: 0 success, negative error, positive warning with a complete result. */
 typedef int ZelStatus;
 
+/* The values of a ZelStatus. */
 enum {
     zelStatusOk = 0,
     zelStatusRegExpMultiNoIdError = -2,   /* no slot of the pattern set holds the identifier */
@@ -61,15 +62,16 @@ enum {
 
 /* ---- Version -------------------------------------------------------------------------------- */
 
+/* Which library this is. */
 typedef struct ZelLibraryVersion {
-    int major;
-    int minor;
-    int buildNumber;
+    int major;               /* first number of the version */
+    int minor;               /* second number of the version */
+    int buildNumber;         /* number of the build */
     int buildSerial;         /* a number of its own, not the second number of versionText */
     char cpuCode[4];         /* padded with zero bytes */
     const char* libraryName; /* the shared object's own file name */
-    const char* versionText;
-    const char* buildDate;
+    const char* versionText; /* version and build as one text */
+    const char* buildDate;   /* month, day and year */
 } ZelLibraryVersion;
 
 /*
