@@ -1,0 +1,11 @@
+# Runs PROGRAM; it must succeed and, if the file EXPECTED exists, print exactly what stands there.
+execute_process(COMMAND ${PROGRAM} OUTPUT_VARIABLE output ERROR_VARIABLE errors RESULT_VARIABLE result)
+if(NOT result EQUAL 0)
+    message(FATAL_ERROR "${PROGRAM} ends with ${result}\n${output}${errors}")
+endif()
+if(EXISTS ${EXPECTED})
+    file(READ ${EXPECTED} expected)
+    if(NOT output STREQUAL expected)
+        message(FATAL_ERROR "expected:\n${expected}\nbut it printed:\n${output}")
+    endif()
+endif()
