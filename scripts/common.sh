@@ -1,7 +1,9 @@
 # Sourced by the scripts beside it: the project's root, and what each of them needs installed.
 # shellcheck shell=bash
 
+# shellcheck disable=SC2034  # used by who sources this
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+# shellcheck disable=SC2034
 jobs=$(nproc)
 
 fail() {
