@@ -41,7 +41,7 @@ private:
     void report(Tally& tally, const typename Traits::Match& match, std::string_view text) const {
         ++tally.matches;
         for (int group = groups_ == 0 ? 0 : 1; group <= groups_; ++group) {
-            const auto& sub = match[static_cast<std::size_t>(group)];
+            const auto& sub = match[group];
             if (sub.matched) tally.add(sub.first - text.data(), sub.second - sub.first);
         }
     }
