@@ -1,6 +1,7 @@
 // The kernels that other parts of the library call.
 #include "string/kernels/api.h"
 
+#include "string/kernels/byte_runs.h"
 #include "string/kernels/find_any.h"
 #include "string/kernels/find_ignore_case.h"
 #include "string/kernels/find_string.h"
@@ -64,6 +65,27 @@ int findBytesRev(const Zel8u* p, int len, const Zel8u* needle, int needleLen) {
 
 int findBytesIgnoreCase(const Zel8u* p, int len, const Zel8u* needle, int needleLen) {
     return orLength(findStringIgnoreCase(p, len, needle, needleLen), len);
+}
+
+int findPairIn(const Zel8u* p, int len, const uint64_t* first, const uint64_t* second) {
+    return orLength(findPair(p, len, first, second), len);
+}
+
+int findDoubled(const Zel8u* p, int len, const uint64_t* set) {
+    return orLength(findDoubledIn(p, len, set), len);
+}
+
+int findPrefixIn(const Zel8u* p, int len, const kernels::PrefixTables* prefix) {
+    return orLength(findPrefix(p, len, *prefix), len);
+}
+
+int64_t sumRuns(const Zel8u* p, int len, const uint64_t* set) {
+    return sumOfRuns(p, len, set);
+}
+
+int collectRunsOf(const Zel8u* p, int len, const uint64_t* set, ZelRegExpFind* runs, int capacity,
+                  int* resume) {
+    return collectRuns(p, len, set, runs, capacity, resume);
 }
 
 int countUtf8Continuations(const Zel8u* p, int len) {

@@ -39,6 +39,28 @@ int findBytesRev(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
 /// Where it stands first when the letters A-Z and a-z are alike, in text and needle.
 int findBytesIgnoreCase(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
 
+/// The first i for which p[i] is in one set and p[i + 1] in another.
+int findPairIn(const Zel8u* p, int len, const uint64_t* first, const uint64_t* second);
+/// The first i for which p[i] equals p[i + 1] and is in a set.
+int findDoubled(const Zel8u* p, int len, const uint64_t* set);
+
+/// What several literals can begin with: bit b of tables[i][c] says that literal b, or one of those
+/// that share the bit, may have byte c at position i.
+struct PrefixTables {
+    static constexpr int kMaxDepth = 3;
+    int depth;  // positions in use: 2 or 3
+    Zel8u tables[kMaxDepth][256];
+};
+/// The first i with depth bytes behind it, p[i] included, that one of the literals can begin with.
+int findPrefixIn(const Zel8u* p, int len, const PrefixTables* prefix);
+
+/// The sum of n * (n + 1) / 2 over the lengths n of the runs of a set's bytes.
+int64_t sumRuns(const Zel8u* p, int len, const uint64_t* set);
+/// Writes the runs of a set's bytes, in order, until there are `capacity` (at least 1) of them.
+/// Answers how many; *resume is the end of the last.
+int collectRunsOf(const Zel8u* p, int len, const uint64_t* set, ZelRegExpFind* runs, int capacity,
+                  int* resume);
+
 /// The work of ownsCopy_8u and ownsZero_8u of core/memory.h, which say what it is.
 void copyBytes(const Zel8u* src, Zel8u* dst, ptrdiff_t n);
 void zeroBytes(Zel8u* dst, ptrdiff_t n);
@@ -49,10 +71,12 @@ int countUtf8Continuations(const Zel8u* p, int len);
 }  // namespace zel::kernels
 
 /// The functions of this page, as a list to expand.
-#define ZEL_KERNELS(X)                                                                            \
-    X(findByte)                                                                                   \
-    X(findByteNot)                                                                                \
-    X(findByteRev)                                                                                \
-    X(findByte2)                                                                                  \
-    X(findByte3) X(findByteIn) X(findByteNotIn) X(findByteInRev) X(findByteNotInRev) X(findBytes) \
-        X(findBytesRev) X(findBytesIgnoreCase) X(countUtf8Continuations) X(copyBytes) X(zeroBytes)
+#define ZEL_KERNELS(X)                                                                 \
+    X(findByte)                                                                        \
+    X(findByteNot)                                                                     \
+    X(findByteRev)                                                                     \
+    X(findByte2)                                                                       \
+    X(findByte3)                                                                       \
+    X(findByteIn) X(findByteNotIn) X(findByteInRev) X(findByteNotInRev) X(findBytes)   \
+        X(findBytesRev) X(findBytesIgnoreCase) X(countUtf8Continuations) X(findPairIn) \
+            X(findDoubled) X(findPrefixIn) X(sumRuns) X(collectRunsOf) X(copyBytes) X(zeroBytes)

@@ -10,8 +10,9 @@
     X(zelsCopy_16s)                                                                                \
     X(zelsMove_8u)                                                                                 \
     X(zelsMove_16s)                                                                                \
-    X(zelsZero_8u) X(zelsFind_8u) X(zelsFind_16u) X(zelsFindRev_8u) X(zelsFindRev_16u) X(          \
-        zelsFindC_8u) X(zelsFindC_16u) X(zelsFindRevC_8u) X(zelsFindRevC_16u) X(zelsFindCAny_8u)   \
+    X(zelsZero_8u)                                                                                 \
+    X(zelsFind_8u) X(zelsFind_16u) X(zelsFindRev_8u) X(zelsFindRev_16u) X(zelsFindC_8u) X(         \
+        zelsFindC_16u) X(zelsFindRevC_8u) X(zelsFindRevC_16u) X(zelsFindCAny_8u)                   \
         X(zelsFindCAny_16u) X(zelsFindRevCAny_8u) X(zelsFindRevCAny_16u) X(zelsFind_Z_8u) X(       \
             zelsFind_Z_16u) X(zelsFindC_Z_8u) X(zelsFindC_Z_16u) X(zelsCompare_8u)                 \
             X(zelsCompare_16u) X(zelsCompareIgnoreCaseLatin_8u) X(zelsCompareIgnoreCaseLatin_16u)  \
