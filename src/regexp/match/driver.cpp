@@ -130,6 +130,19 @@ public:
         return false;
     }
 
+    /// For a pattern whose matches are the runs of a set: writes runs from `start` on. False when
+    /// this search has to go the ordinary way.
+    bool collectPlainRuns(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
+        ByteSet bytes;
+        if (pay_ != Pay::kUpperBound || !isPlainRun(state_, bytes)) return false;
+        // Each byte outside the runs, each run and the end of the text cost a step.
+        const int length = static_cast<int>(context_.textEnd - start);
+        if (context_.steps <= length) return false;
+        int end = 0;
+        *written = kernels::collectRunsOf(start, length, bytes.words, results, capacity, &end);
+        return true;
+    }
+
     /// Tries the start position again, for a match that is not empty.
     bool findNonEmptyAt(const Zel8u* start) {
         clearCaptures();
@@ -147,7 +160,7 @@ public:
 
 private:
     // A plan costs as much as some attempts, and pays when there are many.
-    static constexpr int kAttemptsBeforePlanning = 16;
+    static constexpr int kAttemptsBeforePlanning = 8;
 
     /// The first allowed start position at or behind `start`, null when there is none.
     const Zel8u* startAt(const Zel8u* start) const {
@@ -168,7 +181,7 @@ private:
         const Zel8u* end = context_.textEnd;
         const Zel8u* position = start;
         for (;;) {
-            position += plan_.next(position, static_cast<int>(end - position));
+            position = plan_.next(position, context_.textStart, end);
             if (context_.format != kFormatUtf8 || position >= end ||
                 characterBoundary(position, start, end) == position) {
                 break;
@@ -177,8 +190,7 @@ private:
         }
         if (position == start) return position;
         if (!plan_.exact || context_.format == kFormatUtf8) guessed_ = true;
-        return context_.charge(static_cast<long>(position - start) * plan_.price) ? position
-                                                                                  : nullptr;
+        return context_.charge(plan_.bill(start, position)) ? position : nullptr;
     }
 
     /// A failed attempt leaves the captures as it found them, so once a search suffices.
@@ -239,6 +251,10 @@ ZelStatus findAll(Search& search, const Zel8u* text, int numCaptures, bool whole
     const Zel8u* position = text;
     const Zel8u* retryAt = nullptr;  // where an empty match was found and a longer one is wanted
     int written = 0;
+    if (recordsPerMatch == 1 && lastFit >= 0 &&
+        search.collectPlainRuns(text, pResult, *pNumFind, pNumFind)) {
+        return zelStatusOk;
+    }
     bool found = true;
     while (written <= lastFit) {
         if (retryAt != nullptr) {

@@ -51,20 +51,19 @@ int ownsNodeLetterRangeQuantifierMin(const Zel8u* text, int length, RegExpMatchC
 
 int ownsNodeAnyByteQuantifierMin(const Zel8u* text, int length, RegExpMatchContext& context) {
     CaptureRecord& whole = context.captures[0];
-    const int entryLength = whole.length;
     const Node& quantifier = context.nodes[context.node + 1];
     const int rest = context.node + 2;
     const int hint = nextLetter(context);
     const int max = quantifier.count < length ? quantifier.count : length;
     if (length < quantifier.value) return 1;
-    whole.length += quantifier.value;
-    for (int count = quantifier.value; count <= max; ++count) {
-        if (hint < 0 || text[count] == hint) {
-            if (runFrom(rest, text + count, length - count, context) == 0) return 0;
+    int taken = quantifier.value;
+    whole.length += taken;
+    for (; taken <= max; ++taken, ++whole.length) {
+        if (hint < 0 || text[taken] == hint) {
+            if (runFrom(rest, text + taken, length - taken, context) == 0) return 0;
         }
-        ++whole.length;
     }
-    whole.length = entryLength;
+    whole.length -= taken;
     return 1;
 }
 

@@ -27,6 +27,12 @@ void addAll(ByteSet& set, const ByteSet& other) {
     for (int w = 0; w < 4; ++w) set.words[w] |= other.words[w];
 }
 
+bool disjoint(const ByteSet& a, const ByteSet& b) {
+    uint64_t common = 0;
+    for (int w = 0; w < 4; ++w) common |= a.words[w] & b.words[w];
+    return common == 0;
+}
+
 int sizeOf(const ByteSet& set) {
     int count = 0;
     for (const uint64_t word : set.words) count += __builtin_popcountll(word);
@@ -60,6 +66,7 @@ public:
         : nodes_(state.nodes()), count_(state.nodeCount), utf8_(state.format == kFormatUtf8) {}
 
     void make(Zel32u flags, Plan& plan);
+    bool isPlainRun(Zel32u flags, ByteSet& bytes) const;
 
 private:
     /// First bytes of an atom's characters.
@@ -87,9 +94,28 @@ private:
         return known && result.price <= kMaxPrice;
     }
 
-    bool planLiteral(Zel32u flags, Plan& plan) const;
-    /// The first node behind openings of groups that neither repeat nor branch, and option changes.
-    int skipOpenings(int index, Zel32u& flags) const;
+    /// A node that every match has to get past, behind nodes that take no text.
+    struct Lead {
+        int index = 0;
+        Zel32u flags = 0;
+        int price = 0;  // of the nodes in front
+    };
+    Lead leadFrom(int index, Zel32u flags) const;
+    bool isStraightBody(int open) const;
+    bool isLiteral(int index, Zel32u flags) const;
+    void setLiteral(int index, Plan& plan) const;
+    bool isAsciiRun(int index, Zel32u flags, ByteSet& bytes) const;
+    int openOf(int close) const;
+
+    bool planLiteral(const Lead& lead, Plan& plan) const;
+    bool planBehind(const Lead& lead, Plan& plan) const;
+    bool planLine(Zel32u flags, Plan& plan) const;
+    bool planDoubled(const Lead& lead, Plan& plan) const;
+    bool planRun(const Lead& lead, Plan& plan);
+    bool planPrefix(Zel32u flags, bool hasBars, Plan& plan) const;
+    bool addPrefixes(int from, int to, int serial, Zel32u flags, Plan& plan) const;
+    bool addPrefix(int index, Zel32u flags, Plan& plan) const;
+    void planBytes(Plan& plan) const;
 
     const Node* nodes_;
     int count_;
@@ -193,95 +219,346 @@ bool Planner::begin(int index, Zel32u flags, Beginning& result) {
             return beginGroup(index, flags, result);
         case NodeGroupingLookAhead:
             return beginBody(index, flags, result);
+        case NodeGroupingClose: {
+            // Behind a group that neither repeats nor ends a program of its own.
+            if (openOf(index) < 0 || quantifier(index + 1) != nullptr) return false;
+            const Zel32u flagsBehind = static_cast<Zel32u>(node.count);
+            return add(begin(index + 1, flagsBehind, rest), rest, result);
+        }
         default:
             return false;  // an end of the program or of a body: empty text is possible
     }
 }
 
-int Planner::skipOpenings(int index, Zel32u& flags) const {
-    while (index < count_) {
-        const Node& node = nodes_[index];
-        if (node.kind == NodeOptions) {
-            flags = static_cast<Zel32u>(node.value);
-        } else if (node.kind == NodeGroupingCapture || node.kind == NodeGroupingNoCapture) {
-            const int close = closeOf(index);
-            if (quantifier(close + 1) != nullptr) return index;
-            for (int i = index + 1; i < close; ++i) {
-                if (nodes_[i].kind == NodeAlternative && nodes_[i].value == node.value)
-                    return index;
-            }
-        } else {
-            return index;
-        }
-        ++index;
+/// The opening node of a capturing, non-capturing or option group, -1 for any other.
+int Planner::openOf(int close) const {
+    for (int i = close - 1; i >= 0; --i) {
+        const Node& node = nodes_[i];
+        const bool plain = node.kind == NodeGroupingCapture || node.kind == NodeGroupingNoCapture ||
+                           node.kind == NodeGroupingOptions;
+        if (plain && node.value == nodes_[close].value) return i;
     }
-    return index;
+    return -1;
 }
 
-bool Planner::planLiteral(Zel32u flags, Plan& plan) const {
-    const int index = skipOpenings(0, flags);
-    if (index >= count_ || nodes_[index].kind != NodeString) return false;
-    plan.kind = Plan::kLiteral;
-    plan.literal = static_cast<const Zel8u*>(nodes_[index].data);
-    plan.literalLength = nodes_[index].count;
-    plan.ignoreCase = (flags & kOptionIgnoreCase) != 0;
+/// Whether a body executes each of its nodes at most once.
+bool Planner::isStraightBody(int open) const {
+    const int close = closeOf(open);
+    for (int i = open + 1; i < close; ++i) {
+        const Zel32u kind = nodes_[i].kind;
+        const bool plain = isAtom(kind) || kind == NodeRange || kind == NodeAnyByte ||
+                           kind == NodePosition || kind == NodeAlternative;
+        if (!plain) return false;
+    }
     return true;
+}
+
+/// Walks past openings of groups that do not branch, option changes and assertions.
+Planner::Lead Planner::leadFrom(int index, Zel32u flags) const {
+    Lead lead = {.index = index, .flags = flags, .price = 0};
+    for (; lead.index < count_; ++lead.index, ++lead.price) {
+        const Node& node = nodes_[lead.index];
+        switch (node.kind) {
+            case NodeOptions:
+                lead.flags = static_cast<Zel32u>(node.value);
+                break;
+            case NodePosition:
+                if (quantifier(lead.index + 1) != nullptr) return lead;
+                break;
+            case NodeGroupingCapture:
+            case NodeGroupingNoCapture: {
+                const int close = closeOf(lead.index);
+                const Node* repeat = quantifier(close + 1);
+                if (repeat != nullptr && repeat->value < 1) return lead;
+                for (int i = lead.index + 1; i < close; ++i) {
+                    if (nodes_[i].kind == NodeAlternative && nodes_[i].value == node.value)
+                        return lead;
+                }
+                break;
+            }
+            case NodeGroupingLookBehindNot:
+            case NodeGroupingLookAheadNot: {
+                const int close = closeOf(lead.index);
+                if (!isStraightBody(lead.index) || quantifier(close + 1) != nullptr) return lead;
+                lead.price += node.count;
+                lead.index = close;
+                break;
+            }
+            default:
+                return lead;
+        }
+    }
+    return lead;
+}
+
+/// Whether the node is a letter or literal run that stands for itself, once.
+bool Planner::isLiteral(int index, Zel32u flags) const {
+    if (index >= count_ || (flags & kOptionIgnoreCase) != 0) return false;
+    if (nodes_[index].kind == NodeString) return true;
+    return nodes_[index].kind == NodeLetter && quantifier(index + 1) == nullptr;
+}
+
+void Planner::setLiteral(int index, Plan& plan) const {
+    const Node& node = nodes_[index];
+    if (node.kind == NodeString) {
+        plan.literal = static_cast<const Zel8u*>(node.data);
+        plan.literalLength = node.count;
+    } else {
+        plan.bytes[0] = static_cast<Zel8u>(node.value);
+        plan.literal = plan.bytes;
+        plan.literalLength = 1;
+    }
+}
+
+bool Planner::planLiteral(const Lead& lead, Plan& plan) const {
+    if (lead.index >= count_ || nodes_[lead.index].kind != NodeString) return false;
+    plan.kind = Plan::kLiteral;
+    plan.price = lead.price + 1;
+    plan.exact = lead.price == 0;
+    plan.ignoreCase = (lead.flags & kOptionIgnoreCase) != 0;
+    setLiteral(lead.index, plan);
+    return true;
+}
+
+/// `(?<=literal)`, of ASCII letters so that each is one character.
+bool Planner::planBehind(const Lead& lead, Plan& plan) const {
+    if (lead.index >= count_ || nodes_[lead.index].kind != NodeGroupingLookBehind) return false;
+    if (nodes_[lead.index].count != 1 || !isLiteral(lead.index + 1, lead.flags)) return false;
+    setLiteral(lead.index + 1, plan);
+    for (int i = 0; i < plan.literalLength; ++i) {
+        if (plan.literal[i] >= 0x80) return false;
+    }
+    plan.kind = Plan::kBehind;
+    plan.price = lead.price + 2;
+    return true;
+}
+
+/// `.*literal` or `.+literal`, where the dot stops at newlines.
+bool Planner::planLine(Zel32u flags, Plan& plan) const {
+    if (count_ < 4 || nodes_[0].kind != NodePosition || nodes_[0].value != kLineStartMarker)
+        return false;
+    if (nodes_[1].kind != NodeLetterRange || (flags & kOptionDotAll) != 0) return false;
+    const Node* repeat = quantifier(2);
+    if (repeat == nullptr || repeat->kind != NodeQuantifierMax || repeat->count != kUnbounded)
+        return false;
+    if (repeat->value > 1 || !isLiteral(3, flags)) return false;
+    setLiteral(3, plan);
+    for (int i = 0; i < plan.literalLength; ++i) {
+        if (plan.literal[i] == '\n') return false;
+    }
+    plan.kind = Plan::kLine;
+    plan.min = repeat->value;
+    plan.price = 4;
+    return true;
+}
+
+/// `(x)\1`, where x is one ASCII character of a set.
+bool Planner::planDoubled(const Lead& lead, Plan& plan) const {
+    if (lead.index == 0 || lead.index >= count_) return false;
+    const Node& opening = nodes_[lead.index - 1];
+    if (opening.kind != NodeGroupingCapture || (lead.flags & kOptionIgnoreCase) != 0) return false;
+    const int close = behindAtom(lead.index);
+    if (close != closeOf(lead.index - 1) || !isAsciiRun(lead.index, lead.flags, plan.first))
+        return false;
+    if (close + 1 >= count_ || nodes_[close + 1].kind != NodeBackReference) return false;
+    if (nodes_[close + 1].value != opening.extra || quantifier(close + 2) != nullptr) return false;
+    plan.kind = Plan::kDoubled;
+    plan.price = lead.price + 3;
+    return true;
+}
+
+/// Whether the atom accepts single ASCII bytes only, so that runs of it are runs of bytes.
+bool Planner::isAsciiRun(int index, Zel32u flags, ByteSet& bytes) const {
+    const Zel32u kind = nodes_[index].kind;
+    if (kind != NodeLetter && kind != NodeLetterRange && kind != NodeCharacterClass) return false;
+    bytes = atomBytes(index, flags);
+    return (bytes.words[2] | bytes.words[3]) == 0;
+}
+
+/// A run of a set's bytes and what comes behind it: something outside the set, or a literal.
+bool Planner::planRun(const Lead& lead, Plan& plan) {
+    ByteSet bytes;
+    if (lead.index >= count_ || !isAtom(nodes_[lead.index].kind)) return false;
+    const int next = behindAtom(lead.index);
+    const Node* repeat = quantifier(next);
+    if (repeat == nullptr || repeat->kind != NodeQuantifierMax || repeat->value < 1) return false;
+    const bool bounded = repeat->count != kUnbounded;
+    if (bounded && repeat->count > 64) return false;
+    if (!isAsciiRun(lead.index, lead.flags, bytes)) return false;
+    Beginning rest;
+    if (!begin(next + 1, lead.flags, rest)) return false;
+    const bool shorthand = nodes_[lead.index].kind == NodeLetterRange;
+    if (disjoint(bytes, rest.bytes)) {
+        plan.kind = Plan::kRun;
+        plan.behind = rest.bytes;
+        // A shorthand in front of a longer character gives back more than one byte: to be tried.
+        if (shorthand) plan.behind.addRange(0xC0, 0xFF);
+    } else {
+        int index = next + 1;
+        while (index < count_ && nodes_[index].kind == NodeGroupingClose) ++index;
+        if (bounded || !isLiteral(index, lead.flags)) return false;
+        plan.kind = Plan::kRunLiteral;
+        plan.avoidsWide = shorthand;
+        setLiteral(index, plan);
+    }
+    plan.first = bytes;
+    plan.min = repeat->value;
+    plan.max = repeat->count;
+    plan.price = lead.price + 1 + (bounded ? repeat->count * rest.price : 0);
+    plan.runPrice = bounded ? 0 : rest.price;
+    plan.exact = false;
+    return true;
+}
+
+/// Adds what the alternative at node `index` can begin with to the bucket of its own.
+bool Planner::addPrefix(int index, Zel32u flags, Plan& plan) const {
+    const Lead lead = leadFrom(index, flags);
+    kernels::PrefixTables& prefix = plan.prefix;
+    const Zel8u bucket = static_cast<Zel8u>(1u << (plan.alternatives++ % 8));
+    const bool ignoreCase = (lead.flags & kOptionIgnoreCase) != 0;
+    int depth = 0;
+    const auto addPosition = [&](const ByteSet& bytes) {
+        for (int c = 0; c < 256; ++c) {
+            if (bytes.has(static_cast<Zel8u>(c))) prefix.tables[depth][c] |= bucket;
+        }
+        ++depth;
+    };
+    for (int i = lead.index; i < count_ && depth < prefix.depth; i = behindAtom(i)) {
+        const Node& node = nodes_[i];
+        if (node.kind == NodeString) {
+            const Zel8u* text = static_cast<const Zel8u*>(node.data);
+            for (int k = 0; k < node.count && depth < prefix.depth; ++k) {
+                ByteSet bytes = {};
+                bytes.add(text[k]);
+                if (ignoreCase && isAsciiLetter(text[k])) bytes.add(text[k] ^ 0x20u);
+                addPosition(bytes);
+            }
+            continue;
+        }
+        ByteSet bytes;
+        if (!isAtom(node.kind) || !isAsciiRun(i, lead.flags, bytes)) break;
+        const Node* repeat = quantifier(behindAtom(i));
+        const int sure = repeat == nullptr ? 1 : repeat->value;
+        for (int k = 0; k < sure && depth < prefix.depth; ++k) addPosition(bytes);
+        if (repeat != nullptr) break;  // how it goes on depends
+    }
+    prefix.depth = depth;
+    return depth >= 2;
+}
+
+bool Planner::addPrefixes(int from, int to, int serial, Zel32u flags, Plan& plan) const {
+    for (;;) {
+        if (!addPrefix(from, flags, plan)) return false;
+        while (from < to && !(nodes_[from].kind == NodeAlternative && nodes_[from].value == serial))
+            ++from;
+        if (from == to) return true;
+        flags = static_cast<Zel32u>(nodes_[from].count);
+        ++from;
+    }
+}
+
+/// Two or three positions of every alternative, at top level or in a group that comes first.
+bool Planner::planPrefix(Zel32u flags, bool hasBars, Plan& plan) const {
+    plan.prefix = {.depth = kernels::PrefixTables::kMaxDepth, .tables = {}};
+    plan.alternatives = 0;
+    bool known = false;
+    const Lead lead = leadFrom(0, flags);
+    const bool group = !hasBars && lead.index < count_ &&
+                       (nodes_[lead.index].kind == NodeGroupingCapture ||
+                        nodes_[lead.index].kind == NodeGroupingNoCapture);
+    if (group) {
+        const Node* repeat = quantifier(closeOf(lead.index) + 1);
+        if (repeat != nullptr && repeat->value < 1) return false;
+        known = addPrefixes(lead.index + 1, closeOf(lead.index), nodes_[lead.index].value,
+                            lead.flags, plan);
+    } else {
+        known = addPrefixes(0, count_, 0, flags, plan);
+    }
+    if (!known) return false;
+    plan.kind = Plan::kPrefix;
+    // An alternative of single characters can get as far as the positions looked at.
+    plan.price += plan.alternatives * kernels::PrefixTables::kMaxDepth;
+    plan.exact = false;
+    return true;
+}
+
+void Planner::planBytes(Plan& plan) const {
+    const int size = sizeOf(plan.first);
+    if (size == 256 || size == 0) return;
+    plan.kind = size <= 3 ? Plan::kBytes : Plan::kSet;
+    plan.byteCount = 0;
+    for (int c = 0; size <= 3 && c < 256; ++c) {
+        if (plan.first.has(static_cast<Zel8u>(c)))
+            plan.bytes[plan.byteCount++] = static_cast<Zel8u>(c);
+    }
 }
 
 void Planner::make(Zel32u flags, Plan& plan) {
     plan.kind = Plan::kNone;
+    plan.exact = false;
+    int bar = 0;
+    while (bar < count_ && !(nodes_[bar].kind == NodeAlternative && nodes_[bar].value == 0)) ++bar;
+    const Lead lead = leadFrom(0, flags);
+    if (bar == count_) {
+        if (planLiteral(lead, plan) || planBehind(lead, plan) || planLine(flags, plan)) return;
+    }
+
     Beginning all;
     Zel32u alternativeFlags = flags;
-    int alternatives = 0;
     for (int first = 0;;) {
         Beginning part;
         if (!add(begin(first, alternativeFlags, part), part, all)) return;
-        ++alternatives;
-        int bar = first;
-        while (bar < count_ && !(nodes_[bar].kind == NodeAlternative && nodes_[bar].value == 0))
-            ++bar;
-        if (bar == count_) break;
-        alternativeFlags = static_cast<Zel32u>(nodes_[bar].count);
-        first = bar + 1;
+        while (first < count_ &&
+               !(nodes_[first].kind == NodeAlternative && nodes_[first].value == 0)) {
+            ++first;
+        }
+        if (first == count_) break;
+        alternativeFlags = static_cast<Zel32u>(nodes_[first].count);
+        ++first;
     }
     plan.price = all.price;
     plan.exact = all.exact;
     plan.first = all.bytes;
-    if (alternatives == 1 && planLiteral(flags, plan)) return;
-    const int size = sizeOf(all.bytes);
-    if (size > 0 && size <= 3) {
-        plan.kind = Plan::kBytes;
-        plan.byteCount = 0;
-        for (int c = 0; c < 256; ++c) {
-            if (all.bytes.has(static_cast<Zel8u>(c)))
-                plan.bytes[plan.byteCount++] = static_cast<Zel8u>(c);
-        }
-        return;
+    const bool fewBytes = sizeOf(all.bytes) <= 3;
+    if (bar == count_ && !fewBytes && (planDoubled(lead, plan) || planRun(lead, plan))) return;
+    plan.first = all.bytes;
+    if (planPrefix(flags, bar != count_, plan) && (plan.alternatives > 1 || !fewBytes)) return;
+    plan.price = all.price;
+    plan.exact = all.exact;
+    planBytes(plan);
+}
+
+/// The bytes from 0x80 on must be alike: then it makes no difference how many of them form a
+/// character.
+bool Planner::isPlainRun(Zel32u flags, ByteSet& bytes) const {
+    if (count_ < 2) return false;
+    const Zel32u kind = nodes_[0].kind;
+    if (kind != NodeLetter && kind != NodeLetterRange && kind != NodeCharacterClass) return false;
+    const Node* repeat = quantifier(behindAtom(0));
+    if (repeat == nullptr || behindAtom(0) + 1 != count_) return false;
+    if (repeat->kind != NodeQuantifierMax || repeat->value != 1 || repeat->count != kUnbounded)
+        return false;
+    bytes = atomBytes(0, flags);
+    if (kind == NodeCharacterClass && !utf8_) return true;
+    if (kind == NodeCharacterClass) {
+        ClassSet set;
+        buildClassSet(nodes_[0], flags, set);
+        if (set.wide == ClassSet::kTestWide) return false;
+        const uint64_t high = set.wide == ClassSet::kAllWide ? ~uint64_t{0} : 0;
+        return set.bytes.words[2] == high && set.bytes.words[3] == high;
     }
-    if (size < 256) plan.kind = Plan::kSet;
+    return bytes.words[2] == bytes.words[3] &&
+           (bytes.words[2] == 0 || bytes.words[2] == ~uint64_t{0});
 }
 
 }  // namespace
 
-int Plan::next(const Zel8u* text, int length) const {
-    switch (kind) {
-        case kNone:
-            return 0;
-        case kLiteral:
-            return ignoreCase ? kernels::findBytesIgnoreCase(text, length, literal, literalLength)
-                              : kernels::findBytes(text, length, literal, literalLength);
-        case kBytes:
-            if (byteCount == 1) return kernels::findByte(text, length, bytes[0]);
-            if (byteCount == 2) return kernels::findByte2(text, length, bytes[0], bytes[1]);
-            return kernels::findByte3(text, length, bytes[0], bytes[1], bytes[2]);
-        case kSet:
-            break;
-    }
-    return kernels::findByteIn(text, length, first.words);
-}
-
 void makePlan(const ZelRegExpState& state, Plan& plan) {
     Planner(state).make(state.options, plan);
+}
+
+bool isPlainRun(const ZelRegExpState& state, ByteSet& bytes) {
+    return Planner(state).isPlainRun(state.options, bytes);
 }
 
 }  // namespace zel

@@ -1,14 +1,16 @@
-// What a search can know about its pattern before it starts: which bytes a match begins with, and
-// what a start position costs that begins with something else. Made on the stack at the start of a
-// search over enough text, never kept.
+// What a search can know about its pattern before it starts: what a match begins with, and what a
+// start position costs that begins with something else. Made on the stack when a search has tried
+// some positions in vain, never kept.
 //
 // A plan is a promise about the engine: an attempt at a start position that the plan rejects would
-// fail, and would cost at most `price` steps. How the plan is drawn from the nodes is therefore
-// bound to how the engine executes them; whoever changes the one has to look at the other.
+// fail, and would cost at most what the plan says. How the plan is drawn from the nodes is
+// therefore bound to how the engine executes them; whoever changes the one has to look at the
+// other. The differential tests hold both against a matcher without plans.
 #pragma once
 
 #include "regexp/match/byte_set.h"
 #include "regexp/program.h"
+#include "string/kernels/api.h"
 
 namespace zel {
 
@@ -16,25 +18,53 @@ struct Plan {
     enum Kind {
         kNone,     // every position has to be tried
         kLiteral,  // a match begins with `literal`
+        kBehind,   // a match begins directly behind `literal`
+        kLine,     // a match begins at the start of a line that holds `literal`
         kBytes,    // a match begins with one of up to three bytes
-        kSet,      // a match begins with a byte of `first`
+        kPrefix,   // a match begins as `prefix` says
+        kDoubled,  // a match begins with a byte of `first`, twice
+        kRun,  // a match begins with a run of bytes of `first` and one of `behind` directly behind
+               // it
+        kRunLiteral,  // a match begins with bytes of `first` and `literal` directly behind them
+        kSet,         // a match begins with a byte of `first`
     };
     Kind kind = kNone;
     int price = 0;       // what a rejected start position costs at most
-    bool exact = false;  // and whether it costs just that
+    int runPrice = 0;    // and, for runs, what each byte behind it in its run adds
+    bool exact = false;  // whether it costs just that
     ByteSet first = {};
+    ByteSet behind = {};
+    bool avoidsWide = false;  // a run in front of a longer character has to be tried
+    int min = 1;              // length of the run
+    int max = 1;
     const Zel8u* literal = nullptr;
     int literalLength = 0;
     bool ignoreCase = false;
+    int alternatives = 0;  // in `prefix`
     int byteCount = 0;
     Zel8u bytes[3] = {};
+    kernels::PrefixTables prefix;
 
-    /// The first position of text[0..length) that the plan does not reject, `length` when there is
-    /// none.
-    int next(const Zel8u* text, int length) const;
+    /// The first position of [from, end) that the plan does not reject, `end` when there is none.
+    /// `start` is where the subject begins.
+    const Zel8u* next(const Zel8u* from, const Zel8u* start, const Zel8u* end);
+
+    /// What the rejected positions of [from, to) cost at most.
+    int64_t bill(const Zel8u* from, const Zel8u* to) const;
+
+private:
+    const Zel8u* nextLine(const Zel8u* from, const Zel8u* start, const Zel8u* end) const;
+    const Zel8u* nextRun(const Zel8u* from, const Zel8u* end) const;
+    const Zel8u* nextRunLiteral(const Zel8u* from, const Zel8u* end);
+
+    const Zel8u* wide_ = nullptr;  // the first byte of a longer character, once looked for
 };
 
 /// Draws up a plan for the pattern.
 void makePlan(const ZelRegExpState& state, Plan& plan);
+
+/// Whether the pattern is one greedy run of at least one byte of a set, and nothing else, so that
+/// its matches are the set's runs.
+bool isPlainRun(const ZelRegExpState& state, ByteSet& bytes);
 
 }  // namespace zel

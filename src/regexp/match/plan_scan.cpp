@@ -1,0 +1,121 @@
+// Following a plan: from one start position to the next that is worth a try, and the bill for those
+// between.
+#include "regexp/match/plan.h"
+
+namespace zel {
+
+namespace {
+
+int distance(const Zel8u* from, const Zel8u* to) {
+    return static_cast<int>(to - from);
+}
+
+/// The first byte of the run of set bytes that ends at `end`, no further back than `from`.
+const Zel8u* runStart(const Zel8u* from, const Zel8u* end, const ByteSet& bytes) {
+    while (end > from && bytes.has(end[-1])) --end;
+    return end;
+}
+
+}  // namespace
+
+const Zel8u* Plan::next(const Zel8u* from, const Zel8u* start, const Zel8u* end) {
+    const int length = distance(from, end);
+    switch (kind) {
+        case kNone:
+            return from;
+        case kLiteral:
+            return from + (ignoreCase
+                               ? kernels::findBytesIgnoreCase(from, length, literal, literalLength)
+                               : kernels::findBytes(from, length, literal, literalLength));
+        case kBehind: {
+            const Zel8u* earliest = from - start < literalLength ? start : from - literalLength;
+            const int at =
+                kernels::findBytes(earliest, distance(earliest, end), literal, literalLength);
+            return at == distance(earliest, end) ? end : earliest + at + literalLength;
+        }
+        case kLine:
+            return nextLine(from, start, end);
+        case kBytes:
+            if (byteCount == 1) return from + kernels::findByte(from, length, bytes[0]);
+            if (byteCount == 2) return from + kernels::findByte2(from, length, bytes[0], bytes[1]);
+            return from + kernels::findByte3(from, length, bytes[0], bytes[1], bytes[2]);
+        case kPrefix:
+            return from + kernels::findPrefixIn(from, length, &prefix);
+        case kDoubled:
+            return from + kernels::findDoubled(from, length, first.words);
+        case kRun:
+            return nextRun(from, end);
+        case kRunLiteral:
+            return nextRunLiteral(from, end);
+        case kSet:
+            break;
+    }
+    return from + kernels::findByteIn(from, length, first.words);
+}
+
+const Zel8u* Plan::nextLine(const Zel8u* from, const Zel8u* start, const Zel8u* end) const {
+    const bool atLineStart = from == start || from[-1] == '\n';
+    const Zel8u* line =
+        from;  // where the line of `position` begins, as far as it lies behind `from`
+    for (const Zel8u* position = from; position < end;) {
+        position += kernels::findBytes(position, distance(position, end), literal, literalLength);
+        if (position == end) break;
+        const int newline = kernels::findByteRev(line, distance(line, position), '\n');
+        if (newline >= 0) line += newline + 1;
+        if (position - line < min) {
+            ++position;
+        } else if (line > from || atLineStart) {
+            return line;
+        } else {  // in the line that `from` stands inside of
+            position += kernels::findByte(position, distance(position, end), '\n');
+        }
+    }
+    return end;
+}
+
+const Zel8u* Plan::nextRun(const Zel8u* from, const Zel8u* end) const {
+    for (const Zel8u* position = from; position < end;) {
+        const Zel8u* last = position + kernels::findPairIn(position, distance(position, end),
+                                                           first.words, behind.words);
+        if (last == end) break;
+        const Zel8u* earliest = last + 1 - from > max ? last + 1 - max : from;
+        const Zel8u* begin = runStart(earliest, last + 1, first);
+        if (last + 1 - begin >= min) return begin;
+        position = last + 1;
+    }
+    return end;
+}
+
+const Zel8u* Plan::nextRunLiteral(const Zel8u* from, const Zel8u* end) {
+    constexpr ByteSet kWide = {{0, 0, 0, ~uint64_t{0}}};
+    const Zel8u* position = from;
+    while (end - position >= min) {
+        if (avoidsWide && (wide_ == nullptr || wide_ < position)) {
+            wide_ = position + kernels::findByteIn(position, distance(position, end), kWide.words);
+        }
+        const Zel8u* earliest = position + min;
+        position = earliest +
+                   kernels::findBytes(earliest, distance(earliest, end), literal, literalLength);
+        if (avoidsWide && wide_ < position) {
+            position = wide_ + 1;
+            const Zel8u* begin = runStart(from, wide_, first);
+            if (begin < wide_) return begin;
+            continue;
+        }
+        if (position == end) break;
+        const Zel8u* begin = runStart(from, position, first);
+        if (position - begin >= min) return begin;
+        position -= min - 1;
+    }
+    return end;
+}
+
+int64_t Plan::bill(const Zel8u* from, const Zel8u* to) const {
+    const int length = distance(from, to);
+    int64_t sum = static_cast<int64_t>(length) * price;
+    if (kind == kLine) sum += 4;
+    if (runPrice != 0) sum += kernels::sumRuns(from, length, first.words) * runPrice;
+    return sum;
+}
+
+}  // namespace zel
