@@ -739,7 +739,7 @@ ZEL_API ZelStatus zelsConvertUTF_16u8u(const Zel16u* pSrc, int* pSrcLen, Zel8u* 
  *   a* a+ a? a{n} a{n,} a{n,m} a{,m}
  *                 repetition, as often as possible; a "?" behind it makes it as seldom as possible.
  *                 A bound is 65535 at most. It applies to the last byte of a literal text, also of
- *                 one in UTF-8: write [...] or (?:...) around a character to repeat it
+ *                 one in UTF-8: write (?:...) around a character to repeat it
  *   \1 to \9      what the group matched. Two or three digits are a group's number in decimal when
  *                 there is such a group, else one byte in octal
  *   \d \s \w      digit, white space, word byte (ASCII only); \D \S \W their opposites
