@@ -116,8 +116,7 @@ void Compiler::wildcard(int letter) {
         foldEnd_ = nodeCount_;
         return;
     }
-    if (last >= 1 && isWildcard(last - 1, letter) &&
-        (nodes_[last].kind == NodeQuantifierMax || nodes_[last].kind == NodeQuantifierMin)) {
+    if (last >= 1 && isQuantifier(nodes_[last]) && isWildcard(last - 1, letter)) {
         Node& quantifier = nodes_[last];
         foldMin_ = quantifier.value;
         foldMax_ = quantifier.count;
@@ -143,10 +142,9 @@ void Compiler::complete() {
     flushRun();
     if (trailingLiteral_ >= 0) {
         for (int i = trailingLiteral_ + 1; i < nodeCount_; ++i) {
-            if (nodes_[i].kind != NodeQuantifierMin && nodes_[i].kind != NodeQuantifierMax) {
-                trailingLiteral_ = kNoTrailingLiteral;
-                break;
-            }
+            if (isQuantifier(nodes_[i])) continue;
+            trailingLiteral_ = kNoTrailingLiteral;
+            break;
         }
     }
     char* text = reinterpret_cast<char*>(nodes_ + nodeCount_);

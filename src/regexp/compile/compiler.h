@@ -26,6 +26,10 @@ namespace zel {
 inline constexpr int kNoTrailingLiteral = -1;
 inline constexpr int kTrailingLiteralBlocked = -2;  // behind a top-level bar
 
+inline bool isQuantifier(const Node& node) {
+    return node.kind == NodeQuantifierMax || node.kind == NodeQuantifierMin;
+}
+
 class Compiler {
 public:
     /// `firstNode` nodes have been written already; `groupCount` is the number of capturing groups
@@ -95,6 +99,7 @@ private:
     static bool readQuantifier(const Zel8u* p, Quantifier& quantifier);
     ZelStatus quantifier();
     ZelStatus checkRepeatable() const;
+    void noteRepeatedLetter(int node, long min);
     void mergeQuantifier(Node& node, long min, long max);
 
     // group.cpp

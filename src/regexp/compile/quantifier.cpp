@@ -9,7 +9,7 @@ namespace {
 /// Largest bound that can be written.
 constexpr long kMaxBound = 65535;
 
-/// Reads decimal digits; a value that is too large stays too large.
+/// Reads decimal digits. A value that is too large stays too large, and far below kUnbounded.
 const Zel8u* readBound(const Zel8u* p, long& value) {
     value = 0;
     for (; *p >= '0' && *p <= '9'; ++p) {
@@ -20,10 +20,6 @@ const Zel8u* readBound(const Zel8u* p, long& value) {
 
 int addBounds(long a, long b) {
     return static_cast<int>(a + b < kUnbounded ? a + b : kUnbounded);
-}
-
-bool isQuantifierKind(Zel32u kind) {
-    return kind == NodeQuantifierMin || kind == NodeQuantifierMax;
 }
 
 }  // namespace
@@ -55,8 +51,6 @@ bool Compiler::readQuantifier(const Zel8u* p, Quantifier& quantifier) {
     const Zel8u* const maxEnd = readBound(minEnd + 1, max);
     const bool hasMax = maxEnd != minEnd + 1;
     if (*maxEnd != '}') return false;
-    // "{n,}" has no upper bound; a bad n is left to be found by the comparison with the largest
-    // one.
     quantifier = {min, hasMax ? max : kUnbounded, maxEnd + 1};
     return hasMin || hasMax;
 }
@@ -85,22 +79,12 @@ ZelStatus Compiler::quantifier() {
     p_ = quantifierEnd_ = bounds.end + (lazy ? 1 : 0);
 
     Node& atom = nodes_[nodeCount_ - 1];
-    if (isQuantifierKind(atom.kind)) {
+    if (isQuantifier(atom)) {
         mergeQuantifier(atom, bounds.min, bounds.max);
         return zelStatusOk;
     }
     if (classEnd_ != nodeCount_ && (atom.kind == NodeLetter || atom.kind == NodeLetterUtf8)) {
-        if (trailingLiteral_ == kTrailingLiteralBlocked) {
-            // Also when the letter stands in a group or may be absent: a literal that follows can
-            // become the trailing literal again.
-            trailingLiteral_ = kNoTrailingLiteral;
-        } else if (trailingLiteral_ == nodeCount_ - 1) {
-            if (bounds.min >= 1) {
-                atom.extra = static_cast<int>(flags_);
-            } else {
-                trailingLiteral_ = kNoTrailingLiteral;
-            }
-        }
+        noteRepeatedLetter(nodeCount_ - 1, bounds.min);
     }
     emit(lazy ? NodeQuantifierMin : NodeQuantifierMax, static_cast<int>(bounds.min),
          static_cast<int>(bounds.max));
@@ -124,6 +108,20 @@ ZelStatus Compiler::checkRepeatable() const {
         return zelStatusRegExpGroupingError;
     }
     return zelStatusOk;
+}
+
+/// What a quantifier behind a letter means for the trailing literal.
+void Compiler::noteRepeatedLetter(int node, long min) {
+    if (trailingLiteral_ == kTrailingLiteralBlocked) {
+        // By design at any depth and with any minimum, so that a literal further on counts again.
+        trailingLiteral_ = kNoTrailingLiteral;
+    } else if (trailingLiteral_ == node) {
+        if (min >= 1) {
+            nodes_[node].extra = static_cast<int>(flags_);
+        } else {
+            trailingLiteral_ = kNoTrailingLiteral;
+        }
+    }
 }
 
 /// Adds bounds to a quantifier that stands already; the sum is greedy whatever the two were.
