@@ -244,6 +244,12 @@ RegexpCase makeRegexpCase(Random& random) {
     test.limit = kind == 0 ? 10000 : kind < 3 ? random.below(60) : 1500;
     static const int behind[] = {0, 0, 'a', 'b', '\n', ' ', 0xA9, 0x80};
     test.behind = random.pick(behind);
+    if (random.below(1500) == 1) {
+        // Now and then a text long enough for the widest loops, and a budget to walk it.
+        for (int round = 0; round < 12; ++round) test.subject += source.subject();
+        while (!test.subject.empty() && test.subject.size() < 3000) test.subject += test.subject;
+        test.limit = random.chance(50) ? 100000 : random.below(10000);
+    }
     static const int records[] = {1, 2, 3, 5, 16, 16, 64};
     test.records = random.pick(records);
     return test;

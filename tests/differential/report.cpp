@@ -15,6 +15,7 @@ namespace {
 
 const std::function<std::string()>* runningCase = nullptr;
 long long runningNumber = -1;
+bool installed = false;
 
 // The number first, by the plainest means: a library that ran wild may have destroyed all else.
 void onSignal(int signal) {
@@ -58,6 +59,7 @@ std::string quoted(const std::string& bytes) {
 }
 
 CrashReporter::CrashReporter() {
+    installed = true;
     static char stack[1 << 16];
     stack_t alternate{};
     alternate.ss_sp = stack;
@@ -74,6 +76,7 @@ CrashReporter::CrashReporter() {
 void CrashReporter::running(const std::function<std::string()>* describe) {
     constexpr unsigned longestSeconds = 60;
     runningCase = describe;
+    if (!installed) return;
     alarm(describe ? longestSeconds : 0);
 }
 
