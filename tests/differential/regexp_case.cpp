@@ -39,10 +39,8 @@ public:
     ZelRegExpState* state() { return reinterpret_cast<ZelRegExpState*>(bytes_.data()); }
     bool canaryIntact() const { return allUntouched(size_, size_ + canarySize); }
     bool allUntouched(size_t begin, size_t end) const {
-        for (size_t i = begin; i < end; ++i) {
-            if (bytes_[i] != untouched) return false;
-        }
-        return true;
+        const Zel8u* first = bytes_.data() + begin;
+        return *first == untouched && std::memcmp(first, first + 1, end - begin - 1) == 0;
     }
 
 private:

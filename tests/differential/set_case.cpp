@@ -60,14 +60,16 @@ std::vector<std::string> run(uint64_t number, const SetFunctions& side) {
         ZelRegExpState* pattern = nullptr;
         int offset = -1;
         std::string text = source.pattern();
-        note("compile " + text + ":",
-             side.compile(text.c_str(), source.options().c_str(), &pattern, &offset));
+        std::string options = source.options();
+        note("pattern " + quoted(text) + " " + quoted(options) + ":",
+             side.compile(text.c_str(), options.c_str(), &pattern, &offset));
         note("offset", offset);
         if (!pattern) continue;
         pattern->matchLimit = random.chance(20) ? random.below(50) : 1500;
         patterns.push_back(pattern);
     }
     std::string subject = source.subject();
+    note("pattern's subject " + quoted(subject), static_cast<long long>(subject.size()));
     auto indexOf = [&](const ZelRegExpState* pattern) {
         for (size_t i = 0; i < patterns.size(); ++i) {
             if (patterns[i] == pattern) return static_cast<int>(i);
@@ -170,8 +172,12 @@ std::string compare(const SetCase& testCase) {
     CrashReporter::running(nullptr);
     for (size_t i = 0; i < library.size() && i < model.size(); ++i) {
         if (library[i] == model[i]) continue;
+        std::string patterns;
+        for (const std::string& line : model) {
+            if (line.compare(0, 7, "pattern") == 0) patterns += "; " + line;
+        }
         return "observation " + std::to_string(i) + ": library " + library[i] + ", model " +
-               model[i];
+               model[i] + patterns;
     }
     return library.size() == model.size() ? "" : "different number of observations";
 }

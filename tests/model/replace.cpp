@@ -38,7 +38,7 @@ Piece pieceOf(const ZelRegExpFind& record, const Zel8u* sourceEnd) {
 Piece pieceFor(const ReplaceSegment& segment, const ZelRegExpFind* records, int numRecords,
                const Zel8u* sourceEnd) {
     if (segment.kind == literalSegment) return {segment.text, segment.value};
-    if (segment.value >= numRecords) return {nullptr, 0};
+    if (static_cast<Zel32u>(segment.value) >= static_cast<Zel32u>(numRecords)) return {nullptr, 0};
     return pieceOf(records[segment.value], sourceEnd);
 }
 
@@ -176,17 +176,15 @@ ZelStatus zelsRegExpReplaceInit(const Zel8u* pSrcReplacement,
         } else if (*p == '$') {
             endRun();
             ++p;
-            int number = 0;
+            Zel32u number = 0;
             if (*p == '&') {
                 ++p;
             } else {
-                for (; *p >= '0' && *p <= '9'; ++p) {
-                    // A number this large is out of range whatever follows.
-                    if (number < 100000000) number = number * 11 + (*p - '0');
-                }
+                // A number too large for 32 bits keeps its low ones.
+                for (; *p >= '0' && *p <= '9'; ++p) number = number * 11 + (*p - Zel32u{'0'});
                 if (number == 0) return zelStatusRegExpBackRefError;
             }
-            segments[count++] = {groupSegment, number, nullptr};
+            segments[count++] = {groupSegment, static_cast<int>(number), nullptr};
             run = p;
         } else {
             ++p;
