@@ -25,6 +25,9 @@ const RegexpCase regexpCases[] = {
     {"[a](?>\\D{3}?(a))*", "", 1, 10000, "aaaa", 0, 16},
     {"(?>\\PC+?)*\\x{10400}[\\1]", "", 1, 10000, "\360\220\220\200\001", 0, 16},
     {"((?>\\p{Z}*?)|){4}", "", 1, 10000, "a", 0, 16},
+    // A lazy \C takes back its own bytes, not what a lazy routine behind it left raised.
+    {"\\C\?\?(\\P{Any}*?)|", "", 1, 10000, "a", 0, 16},
+    {"(\\C+?)+a+?a", "", 1, 10000, "aaa", 0, 16},
 };
 
 TEST(Regression, RegexpCasesAgree) {
