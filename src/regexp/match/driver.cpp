@@ -120,9 +120,8 @@ public:
             if (plan_.kind != Plan::kNone) {
                 position = skipFrom(position);
                 if (position == nullptr) return false;
-            } else if (anchor_ == Anchor::kNone && ++attempts_ == kAttemptsBeforePlanning &&
-                       pay_ == Pay::kUpperBound) {
-                makePlan(state_, plan_);
+            } else if (pay_ == Pay::kUpperBound && ++attempts_ == kAttemptsBeforePlanning) {
+                makePlan(state_, anchor_ == Anchor::kLineStart, plan_);
             }
             if (attempt(position)) return true;
             if (outOfBudget()) return false;  // every further attempt fails at once

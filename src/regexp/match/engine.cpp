@@ -18,7 +18,9 @@ namespace zel {
 namespace {
 
 bool sameText(const Zel8u* text, const Zel8u* pattern, int count, bool ignoreCase) {
-    if (!ignoreCase) return memcmp(text, pattern, static_cast<size_t>(count)) == 0;
+    if (!ignoreCase) {
+        return *text == *pattern && memcmp(text, pattern, static_cast<size_t>(count)) == 0;
+    }
     for (int i = 0; i < count; ++i) {
         if (!sameByte(text[i], pattern[i], true)) return false;
     }

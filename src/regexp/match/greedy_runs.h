@@ -14,15 +14,29 @@
 
 namespace zel {
 
-/// The byte that the program from `node` on begins with when its first node costs one step on any
-/// other byte; -1 when there is no such byte.
-inline int firstLetter(const RegExpMatchContext& context, int node) {
-    if (node >= context.end || (context.flags & kOptionIgnoreCase) != 0) return -1;
-    const Node& rest = context.nodes[node];
-    if (rest.kind == NodeString) return *static_cast<const Zel8u*>(rest.data);
-    if (rest.kind != NodeLetter) return -1;
-    const Node* quantifier = quantifierAt(context, node + 1);
-    return quantifier == nullptr || quantifier->value > 0 ? static_cast<Zel8u>(rest.value) : -1;
+/// The byte that the program from `node` on begins with, when all it does in front of any other
+/// byte is to close groups and fail: `price` is what that costs. -1 when there is no such byte.
+struct FirstLetter {
+    int letter;
+    int price;
+};
+
+inline FirstLetter firstLetter(const RegExpMatchContext& context, int node) {
+    Zel32u flags = context.flags;
+    for (int price = 1; node < context.end; ++price, ++node) {
+        const Node& rest = context.nodes[node];
+        if (rest.kind == NodeGroupingClose && quantifierAt(context, node + 1) == nullptr) {
+            flags = static_cast<Zel32u>(rest.count);
+            continue;
+        }
+        if ((flags & kOptionIgnoreCase) != 0) break;
+        if (rest.kind == NodeString) return {*static_cast<const Zel8u*>(rest.data), price};
+        if (rest.kind != NodeLetter) break;
+        const Node* quantifier = quantifierAt(context, node + 1);
+        if (quantifier != nullptr && quantifier->value == 0) break;
+        return {static_cast<Zel8u>(rest.value), price};
+    }
+    return {-1, 0};
 }
 
 /// The bytes of a set that are characters of their own in every format.
@@ -44,7 +58,8 @@ inline Walk::Step Walk::pushRun(Choice::Kind kind, int rest, int count, int offs
     if (count > min) {
         const Zel8u* start = text;
         take(offset);
-        push(kind, rest).run = {start, count, min, firstLetter(context, rest)};
+        const FirstLetter first = firstLetter(context, rest);
+        push(kind, rest).run = {start, count, min, first.letter, first.price};
     } else {
         take(offset);  // nothing to give back
     }
@@ -123,10 +138,9 @@ inline bool Walk::giveBack(Choice& choice) {
         const Zel8u* low = start + choice.run.min;
         --position;
         if (choice.run.letter >= 0) {
-            // In front of any other byte the rest costs one step and fails.
             const Zel8u* found = position;
             while (found >= low && *found != choice.run.letter) --found;
-            if (!context.charge(position - found) || found < low) return false;
+            if (!context.charge((position - found) * choice.run.price) || found < low) return false;
             position = found;
         }
         more = position > low;

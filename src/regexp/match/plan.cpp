@@ -66,6 +66,7 @@ public:
         : nodes_(state.nodes()), count_(state.nodeCount), utf8_(state.format == kFormatUtf8) {}
 
     void make(Zel32u flags, Plan& plan);
+    void makeForLines(Zel32u flags, Plan& plan);
     bool isPlainRun(Zel32u flags, ByteSet& bytes) const;
 
 private:
@@ -528,6 +529,25 @@ void Planner::make(Zel32u flags, Plan& plan) {
     planBytes(plan);
 }
 
+/// At the start of a line the ^ holds, and what follows it decides.
+void Planner::makeForLines(Zel32u flags, Plan& plan) {
+    plan.kind = Plan::kNone;
+    plan.lines = true;
+    const Lead lead = leadFrom(0, flags);
+    if (planLiteral(lead, plan) && !plan.ignoreCase) return;
+    Beginning all;
+    if (!begin(0, flags, all)) {
+        plan.kind = Plan::kNone;
+        return;
+    }
+    // A run must end with its line, or its price would not be the line's.
+    if (planRun(lead, plan) && plan.kind == Plan::kRun && !plan.first.has('\n')) return;
+    plan.kind = Plan::kSet;
+    plan.first = all.bytes;
+    plan.price = all.price;
+    plan.runPrice = 0;
+}
+
 /// The bytes from 0x80 on must be alike: then it makes no difference how many of them form a
 /// character.
 bool Planner::isPlainRun(Zel32u flags, ByteSet& bytes) const {
@@ -553,8 +573,13 @@ bool Planner::isPlainRun(Zel32u flags, ByteSet& bytes) const {
 
 }  // namespace
 
-void makePlan(const ZelRegExpState& state, Plan& plan) {
-    Planner(state).make(state.options, plan);
+void makePlan(const ZelRegExpState& state, bool lines, Plan& plan) {
+    Planner planner(state);
+    if (lines) {
+        planner.makeForLines(state.options, plan);
+    } else {
+        planner.make(state.options, plan);
+    }
 }
 
 bool isPlainRun(const ZelRegExpState& state, ByteSet& bytes) {

@@ -29,6 +29,7 @@ struct Plan {
         kSet,         // a match begins with a byte of `first`
     };
     Kind kind = kNone;
+    bool lines = false;  // only starts of lines are tried anyway
     int price = 0;       // what a rejected start position costs at most
     int runPrice = 0;    // and, for runs, what each byte behind it in its run adds
     bool exact = false;  // whether it costs just that
@@ -53,6 +54,8 @@ struct Plan {
     int64_t bill(const Zel8u* from, const Zel8u* to) const;
 
 private:
+    bool acceptsAt(const Zel8u* position, const Zel8u* end) const;
+    const Zel8u* nextStartOfLine(const Zel8u* from, const Zel8u* end) const;
     const Zel8u* nextLine(const Zel8u* from, const Zel8u* start, const Zel8u* end) const;
     const Zel8u* nextRun(const Zel8u* from, const Zel8u* end) const;
     const Zel8u* nextRunLiteral(const Zel8u* from, const Zel8u* end);
@@ -60,8 +63,9 @@ private:
     const Zel8u* wide_ = nullptr;  // the first byte of a longer character, once looked for
 };
 
-/// Draws up a plan for the pattern.
-void makePlan(const ZelRegExpState& state, Plan& plan);
+/// Draws up a plan for the pattern. `lines` says that it begins with ^ and that only starts of
+/// lines are tried.
+void makePlan(const ZelRegExpState& state, bool lines, Plan& plan);
 
 /// Whether the pattern is one greedy run of at least one byte of a set, and nothing else, so that
 /// its matches are the set's runs.

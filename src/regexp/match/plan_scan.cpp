@@ -19,6 +19,7 @@ const Zel8u* runStart(const Zel8u* from, const Zel8u* end, const ByteSet& bytes)
 }  // namespace
 
 const Zel8u* Plan::next(const Zel8u* from, const Zel8u* start, const Zel8u* end) {
+    if (lines) return nextStartOfLine(from, end);
     const int length = distance(from, end);
     switch (kind) {
         case kNone:
@@ -51,6 +52,35 @@ const Zel8u* Plan::next(const Zel8u* from, const Zel8u* start, const Zel8u* end)
             break;
     }
     return from + kernels::findByteIn(from, length, first.words);
+}
+
+/// Whether the plan has nothing against a position.
+bool Plan::acceptsAt(const Zel8u* position, const Zel8u* end) const {
+    if (position == end) return true;
+    if (kind != kRun) return first.has(*position);
+    const Zel8u* stop = end - position > max ? position + max : end;
+    const Zel8u* run = position;
+    while (run < stop && first.has(*run)) ++run;
+    return run - position >= min && run < end && behind.has(*run);
+}
+
+/// `from` is the start of a line.
+const Zel8u* Plan::nextStartOfLine(const Zel8u* from, const Zel8u* end) const {
+    if (kind == kLiteral) {
+        for (const Zel8u* position = from; position < end;) {
+            position +=
+                kernels::findBytes(position, distance(position, end), literal, literalLength);
+            if (position == from || position == end || position[-1] == '\n') return position;
+            ++position;
+        }
+        return end;
+    }
+    while (!acceptsAt(from, end)) {
+        from += kernels::findByte(from, distance(from, end), '\n');
+        if (from == end) break;
+        ++from;
+    }
+    return from;
 }
 
 const Zel8u* Plan::nextLine(const Zel8u* from, const Zel8u* start, const Zel8u* end) const {
@@ -112,6 +142,7 @@ const Zel8u* Plan::nextRunLiteral(const Zel8u* from, const Zel8u* end) {
 
 int64_t Plan::bill(const Zel8u* from, const Zel8u* to) const {
     const int length = distance(from, to);
+    if (lines) return static_cast<int64_t>(length) * (price + runPrice);
     int64_t sum = static_cast<int64_t>(length) * price;
     if (kind == kLine) sum += 4;
     if (runPrice != 0) sum += kernels::sumRuns(from, length, first.words) * runPrice;

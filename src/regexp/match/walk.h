@@ -48,6 +48,7 @@ struct Choice {
             int count;   // characters in the run
             int min;     // and how many have to stay
             int letter;  // byte that the rest begins with, -1 when unknown
+            int price;   // of a try in front of another byte
         } run;
         struct {
             int next;
