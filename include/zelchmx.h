@@ -887,8 +887,7 @@ ZEL_API ZelStatus zelsRegExpFind_8u(const Zel8u* pSrc, int srcLen, ZelRegExpStat
  *     $&      stands for the whole match,
  *     $1 $2   for what a capturing group matched: nothing when the group took no part in the match
  *             or when the pattern has no such group. All digits that follow belong to the number,
- *             and they count in base 11: $9 is group 9, $10 is group 11, $12 is group 13. A number
- *             beyond 32 bits wraps around;
+ *             and they count in base 11: $9 is group 9, $10 is group 11, $12 is group 13;
  *     \       is dropped and protects nothing: "\$1" is group 1 and "\\" is nothing at all;
  * and every other byte stands for itself. There is no way to write a "$" or a "\" itself.
  */

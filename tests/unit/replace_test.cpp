@@ -147,13 +147,16 @@ TEST(ReplaceInit, AGroupNumberTakesAllDigitsAndNothingElse) {
     EXPECT_EQ(parsed("$1:"), "1 ':'");
 }
 
-TEST(ReplaceInit, AGroupNumberWrapsAroundAtThirtyTwoBits) {
-    Zel32u expected = 0;
-    std::string text = "$";
-    for (int i = 0; i < 40; ++i) {
-        text += '7';
-        expected = expected * 11 + 7;
-        EXPECT_EQ(parsed(text), std::to_string(static_cast<int>(expected))) << text;
+TEST(ReplaceInit, ANumberTooLargeForAnyGroupStaysTooLarge) {
+    EXPECT_EQ(parsed("$999999999"), "2122152921");
+    EXPECT_EQ(parsed("$1111111111"), "2147483647");
+    EXPECT_EQ(parsed("$9999999999"), "2147483647");
+    for (size_t digits = 10; digits < 60; ++digits) {
+        for (char digit = '1'; digit <= '9'; ++digit) {
+            std::string text = "$";
+            text.append(digits, digit);
+            EXPECT_EQ(parsed(text), "2147483647");
+        }
     }
 }
 
@@ -537,10 +540,8 @@ TEST(Replace, AReferenceToAGroupThePatternDoesNotHaveIsEmpty) {
     EXPECT_EQ(replace("abc", "(b)", "g", "[$12]", 10).text(), "a[]c");
     EXPECT_EQ(replace("abc", "(b)", "", "[$2]", 10).text(), "a[]c");
     EXPECT_EQ(replace("abc", "(b)", "g", "[$2]", 10).text(), "a[]c");
-    // Wrapped around to a negative number.
-    EXPECT_EQ(parsed("$8888888888"), "-724896800");
-    EXPECT_EQ(replace("abc", "(b)", "", "[$8888888888]", 10).text(), "a[]c");
-    EXPECT_EQ(replace("abc", "(b)", "g", "[$8888888888]", 10).text(), "a[]c");
+    EXPECT_EQ(replace("abc", "(b)", "", "[$99999999999]", 10).text(), "a[]c");
+    EXPECT_EQ(replace("abc", "(b)", "g", "[$99999999999]", 10).text(), "a[]c");
 }
 
 TEST(Replace, GroupThirteenIsReachedByTwelve) {
@@ -640,6 +641,26 @@ TEST(Replace, ReplacesEmptyMatches) {
     EXPECT_EQ(replace("abc", "x*", "", "-", 20).text(), "-abc");
     EXPECT_EQ(replace("abc", "x*", "g", "-", 20).text(), "-a-b-c-");
     EXPECT_EQ(replace("abc", "$", "g", "!", 20).text(), "abc!");
+}
+
+// What a lazy repetition consumed before it failed stays in the length that is reported: here 5.
+TEST(Replace, AMatchReportedLongerThanTheSourceEndsWithIt) {
+    for (const char* options : {"", "g"}) {
+        const Call call = replace("xaac", "a+?b|aac", options, "[$&]", 20);
+        EXPECT_EQ(call.text(), "x[aac]") << options;
+        EXPECT_EQ(call.used, *options == 'g' ? 0 : 4);
+    }
+}
+
+// A class run gives back by the character behind it, here four bytes for one, and so the match from
+// offset 1 ends at offset 0 and everything behind that is its tail.
+TEST(Replace, TheTailOfAMatchThatEndsInFrontOfItsStartBeginsAtItsEnd) {
+    const std::string source = "-abc\xF0\x9F\x98\x80";
+    for (const char* options : {"", "g"}) {
+        const Call call = replace(source, "\\w{2,}(?=-)", options, "X$&", 20);
+        EXPECT_EQ(call.text(), "-X" + source) << options;
+        EXPECT_EQ(call.used, 8);
+    }
 }
 
 // Every row of the two tables in the header, by name.

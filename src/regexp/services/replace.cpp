@@ -6,6 +6,8 @@
 // clipped to the source first.
 #include "regexp/services/replace.h"
 
+#include <limits.h>
+#include <stdint.h>
 #include <string.h>
 
 #include <algorithm>
@@ -19,7 +21,7 @@ namespace zel {
 namespace {
 
 /// Digits of a group number count in this base: "$12" is group 13.
-constexpr Zel32u kGroupNumberBase = 11;
+constexpr int64_t kGroupNumberBase = 11;
 /// The answer of expand() when a piece does not fit.
 constexpr ptrdiff_t kRefused = -1;
 
@@ -36,7 +38,7 @@ public:
     void text(const Zel8u* from, const Zel8u* to) {
         if (from < to) *next_++ = {kSegmentText, static_cast<int>(to - from), from};
     }
-    void group(Zel32u number) { *next_++ = {kSegmentGroup, static_cast<int>(number), nullptr}; }
+    void group(int number) { *next_++ = {kSegmentGroup, number, nullptr}; }
     int count() const { return static_cast<int>(next_ - first_); }
 
 private:
@@ -44,14 +46,18 @@ private:
     ReplaceSegment* next_;
 };
 
-/// Reads what follows a "$" and moves `at` behind it. False when it names no group.
-bool parseGroupReference(const Zel8u*& at, Zel32u& number) {
+/// Reads what follows a "$" and moves `at` behind it. False when it names no group; a number too
+/// large to be stored names one that no pattern has.
+bool parseGroupReference(const Zel8u*& at, int& number) {
     number = 0;
     if (*at == '&') {
         ++at;
         return true;
     }
-    while (isDigit(*at)) number = number * kGroupNumberBase + (*at++ - Zel32u{'0'});
+    for (; isDigit(*at); ++at) {
+        const int64_t longer = number * kGroupNumberBase + (*at - '0');
+        number = static_cast<int>(std::min<int64_t>(longer, INT_MAX));
+    }
     return number != 0;
 }
 
@@ -62,7 +68,7 @@ ZelStatus parseTemplate(const Zel8u* text, ZelRegExpReplaceState* state) {
     while (*at != 0) {
         if (*at == '$') {
             segments.text(run, at++);
-            Zel32u number;
+            int number;
             if (!parseGroupReference(at, number)) return zelStatusRegExpBackRefError;
             segments.group(number);
             run = at;
@@ -97,7 +103,7 @@ ptrdiff_t expand(const Replacement& job, const ZelRegExpFind* records, int recor
         ptrdiff_t length = segments[i].value;
         if (segments[i].kind == kSegmentGroup) {
             const int group = segments[i].value;
-            if (group < 0 || group >= recordCount || records[group].lenMatch < 1) continue;
+            if (group >= recordCount || records[group].lenMatch < 1) continue;
             piece = records[group].pMatch;
             length = std::min<ptrdiff_t>(records[group].lenMatch, sourceEnd - piece);
         }
