@@ -855,13 +855,66 @@ ZEL_API ZelStatus zelsRegExpSetMatchLimit(int limit, ZelRegExpState* pState);
 
 /* ---- Regular expressions: search ------------------------------------------------------------- */
 
+/*
+ * A search takes a subject, a compiled pattern and an array of records, and tells where the pattern
+ * matches: the leftmost match, the first one in the order in which alternatives and repetitions are
+ * tried.
+ *
+ *     const char* text = "width=640 height=480";
+ *     ZelRegExpFind found[3];
+ *     int count = 3;
+ *
+ *     zelsRegExpInitAlloc("(\\w+)=(\\d+)", "", &pattern, &at);
+ *     zelsRegExpFind_8u((const Zel8u*)text, 20, pattern, found, &count);
+ *
+ * leaves 3 in `count` and in `found` the records of "width=640", "width" and "640". With the option
+ * "g" and room for 4 records, `found` gets "width", "640", "height" and "480".
+ */
+
 /* One result: the whole match or one capture group. */
 typedef struct ZelRegExpFind {
-    Zel8u*
-        pMatch; /* first matched byte in the caller's text; null when the group did not take part */
-    int lenMatch; /* length in bytes; -1 when the group did not take part */
+    Zel8u* pMatch; /* first byte in the caller's text; null for a group that took no part */
+    int lenMatch;  /* length in bytes; -1 for a group that took no part */
 } ZelRegExpFind;
 
+/*
+ * Searches a subject for the first match or, when the pattern was compiled with the option "g", for
+ * successive matches.
+ *
+ *   pSrc          the subject. One byte behind its end must be readable: \b, \B and a lazy
+ *                 repetition in front of a literal look at it. It decides no more than that
+ *   srcLen        its length in bytes
+ *   pRegExpState  the pattern. The search works in the object's scratch memory, so one object
+ *                 serves one search at a time; the program in it is not changed
+ *   pResult       room for records. They point into the subject
+ *   pNumFind      in: number of records that pResult has room for; out: number of records
+ *                 written, 0 when there is no match. It must not be null; that is not checked
+ *
+ *   zelStatusNullPointer (-8)              pSrc, pRegExpState or pResult is null
+ *   zelStatusLengthError (-119)            srcLen is negative
+ *   zelStatusSizeError (-6)                *pNumFind is less than 1
+ *   zelStatusContextMatchError (-189)      pRegExpState is not a compiled pattern
+ *   zelStatusRegExpMatchLimitError (-188)  the step budget ran out, or the machine stack would have
+ *
+ * Finding nothing is no error. With -8, -119, -6 and -189 nothing is written.
+ *
+ * First match. The records are the whole match and then the capturing groups in the order of their
+ * opening parentheses, as many of them as there is room for; room for one record is enough to learn
+ * where the match is. After -188 no record is written, and *pNumFind is the smaller of the room and
+ * the number of groups plus one.
+ *
+ * All matches (option "g"). A pattern without capturing groups gives one record for each match. A
+ * pattern with groups gives the records of its groups alone, match after match, without the whole
+ * match; parentheses around the whole pattern add it. The search ends when there is no room left
+ * for all the records of one more match. Each match begins at the end of the one before; after an
+ * empty match, one that is not empty is looked for in the same place first. After -188 the records
+ * written so far, *pNumFind of them, are those of complete matches.
+ *
+ * The length of a whole match counts every byte that was consumed on the way, including what a lazy
+ * repetition of a letter, a shorthand or a wide character took before it failed and another way was
+ * found. Where a pattern allows that, a whole match's record may reach further than the match, even
+ * behind the subject; the records of groups are always right.
+ */
 ZEL_API ZelStatus zelsRegExpFind_8u(const Zel8u* pSrc, int srcLen, ZelRegExpState* pRegExpState,
                                     ZelRegExpFind* pResult, int* pNumFind);
 

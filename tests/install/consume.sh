@@ -66,8 +66,8 @@ if [ -d "$prefix/share/man/man3" ]; then
             { echo "no manual page for $name"; exit 1; }
     done
     if command -v man >/dev/null; then
-        man -M "$prefix/share/man" -P cat 3 zelsRegExpReplace_8u >page.txt 2>/dev/null
-        grep -q zelsRegExpReplaceInit page.txt || { echo "man zelsRegExpReplace_8u shows:"; cat page.txt; exit 1; }
+        man -M "$prefix/share/man" -P cat 3 zelsFind_8u >page.txt 2>/dev/null
+        grep -q zelsFindRev_16u page.txt || { echo "man zelsFind_8u shows:"; cat page.txt; exit 1; }
     fi
 else
     echo "   none: built without Doxygen"
