@@ -74,6 +74,7 @@ struct StringCase {
     int nulls = 0;          // bits: source, second, target, output
     int badLength = 0;      // bits: length of the source, of the second, amount negative
     std::vector<int> list;  // lengths or capacities of the entries of a list
+    int instance = 0;       // of the library, see librarySide
     int badEntry = -1;      // 2k: entry k is null; 2k + 1: its length is negative
 
     std::string text() const;

@@ -1,170 +1,51 @@
 #include "string_functions.h"
 
 #include "model/model.h"
+#include "string/kernels/instances.h"
 
 namespace differential {
 
-const Side librarySide = {
-    {.find = ::zelsFind_8u,
-     .findRev = ::zelsFindRev_8u,
-     .findC = ::zelsFindC_8u,
-     .findRevC = ::zelsFindRevC_8u,
-     .findCAny = ::zelsFindCAny_8u,
-     .findRevCAny = ::zelsFindRevCAny_8u,
-     .findZ = ::zelsFind_Z_8u,
-     .findCZ = ::zelsFindC_Z_8u,
-     .compare = ::zelsCompare_8u,
-     .compareLatin = ::zelsCompareIgnoreCaseLatin_8u,
-     .compareIgnoreCase = nullptr,
-     .equal = ::zelsEqual_8u,
-     .upper = nullptr,
-     .lower = nullptr,
-     .upperLatin = ::zelsUppercaseLatin_8u,
-     .lowerLatin = ::zelsLowercaseLatin_8u,
-     .upperInPlace = nullptr,
-     .lowerInPlace = nullptr,
-     .upperLatinInPlace = ::zelsUppercaseLatin_8u_I,
-     .lowerLatinInPlace = ::zelsLowercaseLatin_8u_I,
-     .insert = ::zelsInsert_8u,
-     .insertInPlace = ::zelsInsert_8u_I,
-     .remove = ::zelsRemove_8u,
-     .removeInPlace = ::zelsRemove_8u_I,
-     .replaceC = ::zelsReplaceC_8u,
-     .concat = ::zelsConcat_8u,
-     .concatList = ::zelsConcat_8u_D2L,
-     .concatCList = ::zelsConcatC_8u_D2L,
-     .splitC = ::zelsSplitC_8u_D2L,
-     .trimC = ::zelsTrimC_8u,
-     .trimCInPlace = ::zelsTrimC_8u_I,
-     .trimCAny = ::zelsTrimCAny_8u,
-     .trimStartCAny = ::zelsTrimStartCAny_8u,
-     .trimEndCAny = ::zelsTrimEndCAny_8u,
-     .hash = ::zelsHash_8u32u,
-     .hashSJ2 = ::zelsHashSJ2_8u32u,
-     .hashMSCS = ::zelsHashMSCS_8u32u,
-     .copy = ::zelsCopy_8u,
-     .move = ::zelsMove_8u},
-    {.find = ::zelsFind_16u,
-     .findRev = ::zelsFindRev_16u,
-     .findC = ::zelsFindC_16u,
-     .findRevC = ::zelsFindRevC_16u,
-     .findCAny = ::zelsFindCAny_16u,
-     .findRevCAny = ::zelsFindRevCAny_16u,
-     .findZ = ::zelsFind_Z_16u,
-     .findCZ = ::zelsFindC_Z_16u,
-     .compare = ::zelsCompare_16u,
-     .compareLatin = ::zelsCompareIgnoreCaseLatin_16u,
-     .compareIgnoreCase = ::zelsCompareIgnoreCase_16u,
-     .equal = ::zelsEqual_16u,
-     .upper = ::zelsUppercase_16u,
-     .lower = ::zelsLowercase_16u,
-     .upperLatin = ::zelsUppercaseLatin_16u,
-     .lowerLatin = ::zelsLowercaseLatin_16u,
-     .upperInPlace = ::zelsUppercase_16u_I,
-     .lowerInPlace = ::zelsLowercase_16u_I,
-     .upperLatinInPlace = ::zelsUppercaseLatin_16u_I,
-     .lowerLatinInPlace = ::zelsLowercaseLatin_16u_I,
-     .insert = ::zelsInsert_16u,
-     .insertInPlace = ::zelsInsert_16u_I,
-     .remove = ::zelsRemove_16u,
-     .removeInPlace = ::zelsRemove_16u_I,
-     .replaceC = ::zelsReplaceC_16u,
-     .concat = ::zelsConcat_16u,
-     .concatList = ::zelsConcat_16u_D2L,
-     .concatCList = ::zelsConcatC_16u_D2L,
-     .splitC = ::zelsSplitC_16u_D2L,
-     .trimC = ::zelsTrimC_16u,
-     .trimCInPlace = ::zelsTrimC_16u_I,
-     .trimCAny = ::zelsTrimCAny_16u,
-     .trimStartCAny = ::zelsTrimStartCAny_16u,
-     .trimEndCAny = ::zelsTrimEndCAny_16u,
-     .hash = ::zelsHash_16u32u,
-     .hashSJ2 = ::zelsHashSJ2_16u32u,
-     .hashMSCS = ::zelsHashMSCS_16u32u,
-     .copy = ::zelsCopy_16s,
-     .move = ::zelsMove_16s},
-    {.zero = ::zelsZero_8u, .toUtf16 = ::zelsConvertUTF_8u16u, .toUtf8 = ::zelsConvertUTF_16u8u}};
+const Side exportedSide =
+#define SIDE(name) ::name
+#include "string_side.inc"
+#undef SIDE
+    ;
 
-const Side modelSide = {{.find = model::zelsFind_8u,
-                         .findRev = model::zelsFindRev_8u,
-                         .findC = model::zelsFindC_8u,
-                         .findRevC = model::zelsFindRevC_8u,
-                         .findCAny = model::zelsFindCAny_8u,
-                         .findRevCAny = model::zelsFindRevCAny_8u,
-                         .findZ = model::zelsFind_Z_8u,
-                         .findCZ = model::zelsFindC_Z_8u,
-                         .compare = model::zelsCompare_8u,
-                         .compareLatin = model::zelsCompareIgnoreCaseLatin_8u,
-                         .compareIgnoreCase = nullptr,
-                         .equal = model::zelsEqual_8u,
-                         .upper = nullptr,
-                         .lower = nullptr,
-                         .upperLatin = model::zelsUppercaseLatin_8u,
-                         .lowerLatin = model::zelsLowercaseLatin_8u,
-                         .upperInPlace = nullptr,
-                         .lowerInPlace = nullptr,
-                         .upperLatinInPlace = model::zelsUppercaseLatin_8u_I,
-                         .lowerLatinInPlace = model::zelsLowercaseLatin_8u_I,
-                         .insert = model::zelsInsert_8u,
-                         .insertInPlace = model::zelsInsert_8u_I,
-                         .remove = model::zelsRemove_8u,
-                         .removeInPlace = model::zelsRemove_8u_I,
-                         .replaceC = model::zelsReplaceC_8u,
-                         .concat = model::zelsConcat_8u,
-                         .concatList = model::zelsConcat_8u_D2L,
-                         .concatCList = model::zelsConcatC_8u_D2L,
-                         .splitC = model::zelsSplitC_8u_D2L,
-                         .trimC = model::zelsTrimC_8u,
-                         .trimCInPlace = model::zelsTrimC_8u_I,
-                         .trimCAny = model::zelsTrimCAny_8u,
-                         .trimStartCAny = model::zelsTrimStartCAny_8u,
-                         .trimEndCAny = model::zelsTrimEndCAny_8u,
-                         .hash = model::zelsHash_8u32u,
-                         .hashSJ2 = model::zelsHashSJ2_8u32u,
-                         .hashMSCS = model::zelsHashMSCS_8u32u,
-                         .copy = model::zelsCopy_8u,
-                         .move = model::zelsMove_8u},
-                        {.find = model::zelsFind_16u,
-                         .findRev = model::zelsFindRev_16u,
-                         .findC = model::zelsFindC_16u,
-                         .findRevC = model::zelsFindRevC_16u,
-                         .findCAny = model::zelsFindCAny_16u,
-                         .findRevCAny = model::zelsFindRevCAny_16u,
-                         .findZ = model::zelsFind_Z_16u,
-                         .findCZ = model::zelsFindC_Z_16u,
-                         .compare = model::zelsCompare_16u,
-                         .compareLatin = model::zelsCompareIgnoreCaseLatin_16u,
-                         .compareIgnoreCase = model::zelsCompareIgnoreCase_16u,
-                         .equal = model::zelsEqual_16u,
-                         .upper = model::zelsUppercase_16u,
-                         .lower = model::zelsLowercase_16u,
-                         .upperLatin = model::zelsUppercaseLatin_16u,
-                         .lowerLatin = model::zelsLowercaseLatin_16u,
-                         .upperInPlace = model::zelsUppercase_16u_I,
-                         .lowerInPlace = model::zelsLowercase_16u_I,
-                         .upperLatinInPlace = model::zelsUppercaseLatin_16u_I,
-                         .lowerLatinInPlace = model::zelsLowercaseLatin_16u_I,
-                         .insert = model::zelsInsert_16u,
-                         .insertInPlace = model::zelsInsert_16u_I,
-                         .remove = model::zelsRemove_16u,
-                         .removeInPlace = model::zelsRemove_16u_I,
-                         .replaceC = model::zelsReplaceC_16u,
-                         .concat = model::zelsConcat_16u,
-                         .concatList = model::zelsConcat_16u_D2L,
-                         .concatCList = model::zelsConcatC_16u_D2L,
-                         .splitC = model::zelsSplitC_16u_D2L,
-                         .trimC = model::zelsTrimC_16u,
-                         .trimCInPlace = model::zelsTrimC_16u_I,
-                         .trimCAny = model::zelsTrimCAny_16u,
-                         .trimStartCAny = model::zelsTrimStartCAny_16u,
-                         .trimEndCAny = model::zelsTrimEndCAny_16u,
-                         .hash = model::zelsHash_16u32u,
-                         .hashSJ2 = model::zelsHashSJ2_16u32u,
-                         .hashMSCS = model::zelsHashMSCS_16u32u,
-                         .copy = model::zelsCopy_16s,
-                         .move = model::zelsMove_16s},
-                        {.zero = model::zelsZero_8u,
-                         .toUtf16 = model::zelsConvertUTF_8u16u,
-                         .toUtf8 = model::zelsConvertUTF_16u8u}};
+const Side sse2Side =
+#define SIDE(name) zel::sse2::name
+#include "string_side.inc"
+#undef SIDE
+    ;
+
+const Side avx2Side =
+#define SIDE(name) zel::avx2::name
+#include "string_side.inc"
+#undef SIDE
+    ;
+
+const Side avx512Side =
+#define SIDE(name) zel::avx512::name
+#include "string_side.inc"
+#undef SIDE
+    ;
+
+const Side modelSide =
+#define SIDE(name) model::name
+#include "string_side.inc"
+#undef SIDE
+    ;
+
+const Side* librarySide(int instance) {
+    switch (instance) {
+        case 0:
+            return &exportedSide;
+        case 1:
+            return &sse2Side;
+        case 2:
+            return zel::isSupported(zel::Isa::Avx2) ? &avx2Side : nullptr;
+        default:
+            return zel::isSupported(zel::Isa::Avx512) ? &avx512Side : nullptr;
+    }
+}
 
 }  // namespace differential

@@ -65,7 +65,9 @@ struct Side {
     OtherFunctions other;
 };
 
-extern const Side librarySide;
+/// The library as exported (0), or its instance for SSE2, AVX2 or AVX-512 (1 to 3); null when the
+/// processor cannot run it.
+const Side* librarySide(int instance);
 extern const Side modelSide;
 
 }  // namespace differential
