@@ -11,7 +11,7 @@ namespace zel::ZEL_ISA {
 namespace {
 
 template <typename T>
-ZelStatus find(const T* src, int len, const T* pattern, int lenPattern, int* index) {
+ZEL_INLINE ZelStatus find(const T* src, int len, const T* pattern, int lenPattern, int* index) {
     if (anyNull(src, pattern, index)) return zelStatusNullPointer;
     if (anyNegative(len, lenPattern)) return zelStatusLengthError;
     *index = kNotFound;
@@ -20,7 +20,7 @@ ZelStatus find(const T* src, int len, const T* pattern, int lenPattern, int* ind
 }
 
 template <typename T>
-ZelStatus findRev(const T* src, int len, const T* pattern, int lenPattern, int* index) {
+ZEL_INLINE ZelStatus findRev(const T* src, int len, const T* pattern, int lenPattern, int* index) {
     if (anyNull(src, pattern, index)) return zelStatusNullPointer;
     if (anyNegative(len, lenPattern)) return zelStatusLengthError;
     *index = kNotFound;
@@ -29,7 +29,7 @@ ZelStatus findRev(const T* src, int len, const T* pattern, int lenPattern, int* 
 }
 
 template <typename T>
-ZelStatus findC(const T* src, int len, T val, int* index) {
+ZEL_INLINE ZelStatus findC(const T* src, int len, T val, int* index) {
     if (anyNull(src, index)) return zelStatusNullPointer;
     if (anyNegative(len)) return zelStatusLengthError;
     *index = kNotFound;
@@ -38,7 +38,7 @@ ZelStatus findC(const T* src, int len, T val, int* index) {
 }
 
 template <typename T>
-ZelStatus findRevC(const T* src, int len, T val, int* index) {
+ZEL_INLINE ZelStatus findRevC(const T* src, int len, T val, int* index) {
     if (anyNull(src, index)) return zelStatusNullPointer;
     if (anyNegative(len)) return zelStatusLengthError;
     *index = kNotFound;
@@ -47,7 +47,7 @@ ZelStatus findRevC(const T* src, int len, T val, int* index) {
 }
 
 template <typename T>
-ZelStatus findCAny(const T* src, int len, const T* set, int lenSet, int* index) {
+ZEL_INLINE ZelStatus findCAny(const T* src, int len, const T* set, int lenSet, int* index) {
     if (anyNull(src, set, index)) return zelStatusNullPointer;
     if (anyNegative(len, lenSet)) return zelStatusLengthError;
     *index = kNotFound;
@@ -56,7 +56,7 @@ ZelStatus findCAny(const T* src, int len, const T* set, int lenSet, int* index) 
 }
 
 template <typename T>
-ZelStatus findRevCAny(const T* src, int len, const T* set, int lenSet, int* index) {
+ZEL_INLINE ZelStatus findRevCAny(const T* src, int len, const T* set, int lenSet, int* index) {
     if (anyNull(src, set, index)) return zelStatusNullPointer;
     if (anyNegative(len, lenSet)) return zelStatusLengthError;
     *index = kNotFound;
@@ -67,7 +67,7 @@ ZelStatus findRevCAny(const T* src, int len, const T* set, int lenSet, int* inde
 /// Number of elements before the terminating zero; -1 when a length cannot express it, which the
 /// member called with it then reports.
 template <typename T>
-int measure(const T* srcZ) {
+ZEL_INLINE int measure(const T* srcZ) {
     const T* end = srcZ;
     while (*end != 0) ++end;
     const auto len = end - srcZ;
@@ -75,13 +75,13 @@ int measure(const T* srcZ) {
 }
 
 template <typename T>
-ZelStatus findZ(const T* srcZ, const T* patternZ, int* index) {
+ZEL_INLINE ZelStatus findZ(const T* srcZ, const T* patternZ, int* index) {
     if (anyNull(srcZ, patternZ)) return zelStatusNullPointer;
     return find(srcZ, measure(srcZ), patternZ, measure(patternZ), index);
 }
 
 template <typename T>
-ZelStatus findCZ(const T* srcZ, T val, int* index) {
+ZEL_INLINE ZelStatus findCZ(const T* srcZ, T val, int* index) {
     if (anyNull(srcZ)) return zelStatusNullPointer;
     return findC(srcZ, measure(srcZ), val, index);
 }

@@ -71,12 +71,10 @@ int countUtf8Continuations(const Zel8u* p, int len);
 }  // namespace zel::kernels
 
 /// The functions of this page, as a list to expand.
-#define ZEL_KERNELS(X)                                                                 \
-    X(findByte)                                                                        \
-    X(findByteNot)                                                                     \
-    X(findByteRev)                                                                     \
-    X(findByte2)                                                                       \
-    X(findByte3)                                                                       \
-    X(findByteIn) X(findByteNotIn) X(findByteInRev) X(findByteNotInRev) X(findBytes)   \
-        X(findBytesRev) X(findBytesIgnoreCase) X(countUtf8Continuations) X(findPairIn) \
-            X(findDoubled) X(findPrefixIn) X(sumRuns) X(collectRunsOf) X(copyBytes) X(zeroBytes)
+// clang-format off
+#define ZEL_KERNELS(X)                                                                            \
+    X(findByte) X(findByteNot) X(findByteRev) X(findByte2) X(findByte3) X(findByteIn)             \
+    X(findByteNotIn) X(findByteInRev) X(findByteNotInRev) X(findBytes) X(findBytesRev)            \
+    X(findBytesIgnoreCase) X(countUtf8Continuations) X(findPairIn) X(findDoubled)                 \
+    X(findPrefixIn) X(sumRuns) X(collectRunsOf) X(copyBytes) X(zeroBytes)
+// clang-format on

@@ -1,6 +1,8 @@
 // Membership of bytes in an arbitrary set, a vector of bytes at a time.
 //
-// AVX-512: a two-register permute looks up the low 7 bits of every byte in a table of 128 whose bit
+// AVX-512 has three ways. A small set is looked up by the low 6 bits where these tell its members
+// apart, and for a short text by the halves of the bytes, which takes no table. Else a
+// two-register permute looks up the low 7 bits of every byte in a table of 128 whose bit
 // 7 stands for the byte itself and bit 6 for the byte plus 128; the byte's own top bit chooses.
 // AVX2: the set as a bitmap of 32 bytes is its own table: bits 3-6 of a byte choose a row in one of
 // its halves, bits 0-2 the bit of the row. SSE2 has no byte shuffle and looks up one byte at a
@@ -55,7 +57,115 @@ struct ByteClass {
     }
     ZEL_INLINE SignHits hits(const Zel8u* p) const { return hits(Vec<Zel8u>::load(p)); }
     ZEL_INLINE Mask<Zel8u> maskFirst(const Zel8u* p, int n) const {
-        return hits(Vec<Zel8u>::loadFirst(p, n)).mask() & Mask<Zel8u>::firstN(n);
+        return hits(Vec<Zel8u>::loadFirst(p, n)).mask();
+    }
+};
+
+/// A small set in which no two members agree in their low 6 bits: these choose the one member that
+/// a byte can be. One permute and one comparison.
+struct SlotClass {
+    static constexpr int kLanes = 64;
+    Vec<Zel8u> memberOf;
+    bool isExact;  // false when two members fell into one slot: then it is of no use
+
+    /// The set has 1 to 64 members.
+    ZEL_INLINE static SlotClass of(const Zel8u* p, int n) {
+        // A slot without a member holds a byte that belongs to another one.
+        alignas(64) Zel8u slots[64];
+        _mm512_store_si512(slots, _mm512_set1_epi8(1));
+        slots[1] = 2;
+        for (int i = 0; i < n; ++i) slots[p[i] & 63] = p[i];
+        SlotClass result;
+        result.memberOf = Vec<Zel8u>::load(slots);
+        const Vec<Zel8u> members = Vec<Zel8u>::loadFirst(p, n);
+        const Mask<Zel8u> found{equalBits(result.slotOf(members), members)};
+        result.isExact = (~found & Mask<Zel8u>::firstN(n)).bits == 0;
+        return result;
+    }
+
+    ZEL_INLINE Hits<Zel8u> hits(Vec<Zel8u> text) const { return equal(slotOf(text), text); }
+    ZEL_INLINE Hits<Zel8u> hits(const Zel8u* p) const { return hits(Vec<Zel8u>::load(p)); }
+    ZEL_INLINE Mask<Zel8u> maskFirst(const Zel8u* p, int n) const {
+        return hits(Vec<Zel8u>::loadFirst(p, n)).mask();
+    }
+
+private:
+    ZEL_INLINE Vec<Zel8u> slotOf(Vec<Zel8u> bytes) const {
+        return {_mm512_permutexvar_epi8(bytes.v, memberOf.v)};
+    }
+};
+
+/// Lanes that are not zero hit.
+struct NonZeroHits {
+    __m512i v;
+    ZEL_INLINE Mask<Zel8u> mask() const { return {_mm512_test_epi8_mask(v, v)}; }
+    ZEL_INLINE bool any() const { return mask().any(); }
+    friend ZEL_INLINE NonZeroHits operator|(NonZeroHits a, NonZeroHits b) {
+        return {_mm512_or_si512(a.v, b.v)};
+    }
+};
+
+/// Up to eight members, each with a bit of its own: a byte is one of them when the members with its
+/// low half and the members with its high half have one in common. Made without memory, by
+/// comparing the halves of all members with all their sixteen values at once, which is what counts
+/// for a text of a few vectors.
+struct HalvesClass {
+    static constexpr int kLanes = 64;
+    __m512i low;
+    __m512i high;
+
+    /// The set has n members; places beyond the eighth are for another class.
+    ZEL_INLINE static HalvesClass of(const Zel8u* p, int n) {
+        const __m128i padding = _mm_set1_epi8(static_cast<char>(p[0]));
+        const __m128i members =
+            _mm_mask_loadu_epi8(padding, static_cast<__mmask16>(lowBits(n < 8 ? n : 8)), p);
+        const __m512i all = _mm512_broadcastq_epi64(members);
+        const __m512i half = _mm512_set1_epi8(0x0F);
+        return {membersByValue(_mm512_and_si512(all, half)),
+                membersByValue(_mm512_and_si512(_mm512_srli_epi16(all, 4), half))};
+    }
+
+    ZEL_INLINE NonZeroHits hits(Vec<Zel8u> text) const {
+        const __m512i half = _mm512_set1_epi8(0x0F);
+        const __m512i byLow = _mm512_shuffle_epi8(low, _mm512_and_si512(text.v, half));
+        const __m512i byHigh =
+            _mm512_shuffle_epi8(high, _mm512_and_si512(_mm512_srli_epi16(text.v, 4), half));
+        return {_mm512_and_si512(byLow, byHigh)};
+    }
+    ZEL_INLINE NonZeroHits hits(const Zel8u* p) const { return hits(Vec<Zel8u>::load(p)); }
+    ZEL_INLINE Mask<Zel8u> maskFirst(const Zel8u* p, int n) const {
+        return hits(Vec<Zel8u>::loadFirst(p, n)).mask();
+    }
+
+private:
+    /// For each of the values 0 to 15 a byte: which of the eight halves in a quadword have it.
+    ZEL_INLINE static __m512i membersByValue(__m512i halves) {
+        const __m512i firstEight = _mm512_set_epi64(
+            0x0707070707070707, 0x0606060606060606, 0x0505050505050505, 0x0404040404040404,
+            0x0303030303030303, 0x0202020202020202, 0x0101010101010101, 0);
+        const __m512i lastEight = _mm512_add_epi8(firstEight, _mm512_set1_epi8(8));
+        const auto first = static_cast<long long>(_mm512_cmpeq_epi8_mask(halves, firstEight));
+        const auto last = static_cast<long long>(_mm512_cmpeq_epi8_mask(halves, lastEight));
+        return _mm512_broadcast_i32x4(_mm_set_epi64x(last, first));
+    }
+};
+
+/// Nine to sixteen members: two classes of eight.
+struct TwoHalvesClasses {
+    static constexpr int kLanes = 64;
+    HalvesClass a;
+    HalvesClass b;
+
+    ZEL_INLINE static TwoHalvesClasses of(const Zel8u* p, int n) {
+        return {HalvesClass::of(p, n), HalvesClass::of(p + 8, n - 8)};
+    }
+    ZEL_INLINE NonZeroHits hits(const Zel8u* p) const {
+        const Vec<Zel8u> text = Vec<Zel8u>::load(p);
+        return a.hits(text) | b.hits(text);
+    }
+    ZEL_INLINE Mask<Zel8u> maskFirst(const Zel8u* p, int n) const {
+        const Vec<Zel8u> text = Vec<Zel8u>::loadFirst(p, n);
+        return (a.hits(text) | b.hits(text)).mask();
     }
 };
 
@@ -102,7 +212,7 @@ struct ByteClass {
     }
     ZEL_INLINE Hits<Zel8u> hits(const Zel8u* p) const { return hits(Vec<Zel8u>::load(p)); }
     ZEL_INLINE Mask<Zel8u> maskFirst(const Zel8u* p, int n) const {
-        return hits(Vec<Zel8u>::loadFirst(p, n)).mask() & Mask<Zel8u>::firstN(n);
+        return hits(Vec<Zel8u>::loadFirst(p, n)).mask();
     }
 };
 
@@ -150,7 +260,7 @@ struct NotInClass {
 
     ZEL_INLINE MaskHits<Zel8u> hits(const Zel8u* p) const { return {~members.hits(p).mask()}; }
     ZEL_INLINE Mask<Zel8u> maskFirst(const Zel8u* p, int n) const {
-        return ~members.maskFirst(p, n) & Mask<Zel8u>::firstN(n);
+        return ~members.maskFirst(p, n);
     }
 };
 

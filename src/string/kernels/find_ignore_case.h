@@ -30,7 +30,7 @@ struct FoldedByte {
     ZEL_INLINE Hits<Zel8u> hits(Vec<Zel8u> v) const { return equal(v | caseBit, value); }
     ZEL_INLINE Hits<Zel8u> hits(const Zel8u* p) const { return hits(Vec<Zel8u>::load(p)); }
     ZEL_INLINE Mask<Zel8u> maskFirst(const Zel8u* p, int n) const {
-        return hits(Vec<Zel8u>::loadFirst(p, n)).mask() & Mask<Zel8u>::firstN(n);
+        return hits(Vec<Zel8u>::loadFirst(p, n)).mask();
     }
 };
 
@@ -113,7 +113,8 @@ ZEL_INLINE int findStringIgnoreCase(const Zel8u* src, int len, const Zel8u* need
     if (starts > Vec<Zel8u>::kLanes)
         return findStringIgnoreCaseLong(src, starts, needle, lenNeedle);
     const FoldedPattern pattern(needle, lenNeedle);
-    return firstFolded(src, pattern.maskFirst(src, starts), needle, lenNeedle);
+    const Mask<Zel8u> found = pattern.maskFirst(src, starts) & Mask<Zel8u>::firstN(starts);
+    return firstFolded(src, found, needle, lenNeedle);
 }
 
 /// Number of UTF-8 continuation bytes.

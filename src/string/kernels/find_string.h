@@ -3,10 +3,14 @@
 // element is one that differs from the first where the pattern has such a one, so that neither runs
 // of one element in the text nor a pattern made of few elements let every start through.
 //
+// A long search begins with only one of the two probes, the one that is rarer in texts of all
+// kinds, at the speed of a search for that element; where it turns out not to be rare, with both.
+//
 // Positions are those of the pattern's first element; a block of starts reads its first elements
 // and, the pattern's length further on, its last ones, both inside the text.
 #pragma once
 
+#include "string/kernels/commonness.h"
 #include "string/kernels/find_element.h"
 #include "string/kernels/same.h"
 
@@ -73,6 +77,23 @@ struct Candidates {
     }
 };
 
+/// Where one probe alone looks: the first or the last element, whichever is the rarer by rank.
+template <typename T>
+struct SingleProbe {
+    Vec<T> value;
+    ptrdiff_t at;
+
+    ZEL_INLINE explicit SingleProbe(const Pattern<T>& p) {
+        const bool lastIsRarer = commonness(p.elements[p.len - 1]) < commonness(p.elements[0]);
+        value = lastIsRarer ? p.last : p.first;
+        at = lastIsRarer ? p.len - 1 : 0;
+    }
+    ZEL_INLINE Hits<T> hits(const T* p) const { return equal(Vec<T>::load(p + at), value); }
+};
+
+/// How many rounds a single probe may let through in vain before it is not rare.
+inline constexpr int kSingleProbePatience = 4;
+
 /// For more starts than one block has.
 template <typename T>
 [[gnu::noinline]] int findStringLong(const T* src, ptrdiff_t starts, const T* elements, int len) {
@@ -82,6 +103,20 @@ template <typename T>
     const T* const end = src + starts;
     const T* p = src;
     const auto at = [src](const T* block, int i) { return static_cast<int>(block - src) + i; };
+
+    const SingleProbe<T> single(pattern);
+    for (int patience = kSingleProbePatience; end - p >= 4 * n && patience > 0; p += 4 * n) {
+        const Hits<T> a = single.hits(p) | single.hits(p + n);
+        const Hits<T> b = single.hits(p + 2 * n) | single.hits(p + 3 * n);
+        if (!(a | b).any()) [[likely]]
+            continue;
+        --patience;
+        for (int k = 0; k < 4; ++k) {
+            const T* const block = p + k * n;
+            const int i = candidates.first(block, pattern.hits(block).mask());
+            if (i >= 0) return at(block, i);
+        }
+    }
     for (; end - p >= 2 * n; p += 2 * n) {
         const Hits<T> a = pattern.hits(p);
         const Hits<T> b = pattern.hits(p + n);
@@ -107,6 +142,20 @@ template <typename T>
     const Candidates<T> candidates(pattern);
     const T* p = src + starts;
     const auto at = [src](const T* block, int i) { return static_cast<int>(block - src) + i; };
+
+    const SingleProbe<T> single(pattern);
+    for (int patience = kSingleProbePatience; p - src >= 4 * n && patience > 0; p -= 4 * n) {
+        const Hits<T> a = single.hits(p - n) | single.hits(p - 2 * n);
+        const Hits<T> b = single.hits(p - 3 * n) | single.hits(p - 4 * n);
+        if (!(a | b).any()) [[likely]]
+            continue;
+        --patience;
+        for (int k = 1; k <= 4; ++k) {
+            const T* const block = p - k * n;
+            const int i = candidates.last(block, pattern.hits(block).mask());
+            if (i >= 0) return at(block, i);
+        }
+    }
     for (; p - src >= 2 * n; p -= 2 * n) {
         const Hits<T> a = pattern.hits(p - n);
         const Hits<T> b = pattern.hits(p - 2 * n);

@@ -1,9 +1,10 @@
-// Lane masks, on top of a model's bit operations lowBits and countTrailingZeros.
+// Lane masks, on top of a model's bit operations lowBits, countTrailingZeros and
+// countLeadingZeros, of which the latter two answer 64 for no bits.
 #pragma once
 
 namespace zel::ZEL_ISA {
 
-/// One bit per lane, kStep bits apart; the bits between are zero.
+/// One bit per lane, kStep (1 or 2) bits apart; the bits between are zero.
 template <typename T>
 struct Mask {
     static constexpr int kStep = Vec<T>::kMaskStep;
@@ -18,13 +19,12 @@ struct Mask {
     /// Index of the lowest and of the highest lane of a mask that has one.
     ZEL_INLINE int first() const { return __builtin_ctzll(bits) / kStep; }
     ZEL_INLINE int last() const { return (63 ^ __builtin_clzll(bits)) / kStep; }
-    /// Without a branch: the index, or kNotFound when the mask is empty.
-    ZEL_INLINE int firstOrNotFound() const {
-        return countTrailingZeros(bits) / kStep | -static_cast<int>(bits == 0);
+    /// Without a branch: the index, or kNotFound when there is none.
+    ZEL_INLINE int firstBelow(int n) const {
+        const int index = countTrailingZeros(bits) / kStep;
+        return index < n ? index : kNotFound;
     }
-    ZEL_INLINE int lastOrNotFound() const {
-        return (63 ^ __builtin_clzll(bits | 1)) / kStep | -static_cast<int>(bits == 0);
-    }
+    ZEL_INLINE int lastOrNotFound() const { return (63 - countLeadingZeros(bits)) >> (kStep - 1); }
     ZEL_INLINE int count() const { return __builtin_popcountll(bits); }
     ZEL_INLINE Mask withoutFirst() const { return {bits & (bits - 1)}; }
     ZEL_INLINE Mask without(int lane) const { return {bits & ~(uint64_t{1} << lane * kStep)}; }

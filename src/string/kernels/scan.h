@@ -3,11 +3,12 @@
 // A test looks at a block of kLanes elements at a time:
 //   hits(p)          which elements of the block at p it accepts, in a form with operator|, any()
 //                    and mask(); whole vectors are loaded
-//   maskFirst(p, n)  the mask of the first n elements only, 0 <= n <= kLanes
-// A text that fits one block is one partial load and no branch on its length. A longer one starts
-// with an unaligned block, goes on in rounds of four aligned ones, whose hits are combined before
-// they are asked for, and ends with blocks that overlap what was seen before, so that nothing
-// outside the text is touched.
+//   maskFirst(p, n)  the mask of a block of which only the first n elements, 0 <= n <= kLanes, are
+//                    loaded; what it says of the others means nothing
+// A text that fits one block is one partial load and no branch on its length. Up to four blocks
+// overlap so that one question covers them all. A longer text starts with four unaligned blocks,
+// goes on in rounds of four aligned ones, and ends with four that overlap what was seen before, so
+// that nothing outside the text is touched.
 #pragma once
 
 #include "string/kernels/vector.h"
@@ -28,92 +29,87 @@ ZEL_INLINE ptrdiff_t fromBoundary(const T* p) {
     return static_cast<ptrdiff_t>(((reinterpret_cast<uintptr_t>(p) - 1) % kBytes + 1) / sizeof(T));
 }
 
+/// What four blocks have, asked for at once: the first hit in the order given, or kNotFound.
+template <typename Test, typename T, typename Locate>
+ZEL_INLINE int hitInFour(const Test& test, const T* p, const T* q, const T* r, const T* s,
+                         Locate locate) {
+    const auto a = test.hits(p);
+    const auto b = test.hits(q);
+    const auto c = test.hits(r);
+    const auto d = test.hits(s);
+    if (!((a | b) | (c | d)).any()) [[likely]]
+        return kNotFound;
+    if (a.any()) return locate(p, a);
+    if (b.any()) return locate(q, b);
+    if (c.any()) return locate(r, c);
+    return locate(s, d);
+}
+
 /// For a text longer than one block.
 template <typename T, typename Test>
-[[gnu::noinline]] int firstHitLong(const T* src, int len, const Test& testInMemory) {
-    const Test test = testInMemory;
+ZEL_INLINE int firstHitLong(const T* src, int len, const Test& test) {
     constexpr ptrdiff_t n = Test::kLanes;
     const T* const end = src + len;
-    const auto at = [src](const T* p, auto hits) {
+    const auto locate = [src](const T* p, auto hits) {
         return static_cast<int>(p - src) + hits.mask().first();
     };
 
-    if (const auto a = test.hits(src); a.any()) return at(src, a);
-    const T* p = src + toBoundary(src);
-    for (; end - p >= 4 * n; p += 4 * n) {
-        const auto a = test.hits(p);
-        const auto b = test.hits(p + n);
-        const auto c = test.hits(p + 2 * n);
-        const auto d = test.hits(p + 3 * n);
-        if (((a | b) | (c | d)).any()) {
-            if (a.any()) return at(p, a);
-            if (b.any()) return at(p + n, b);
-            if (c.any()) return at(p + 2 * n, c);
-            return at(p + 3 * n, d);
-        }
+    if (len <= 2 * n) {
+        const auto a = test.hits(src);
+        const auto b = test.hits(end - n);
+        if (!(a | b).any()) return kNotFound;
+        return a.any() ? locate(src, a) : locate(end - n, b);
     }
-    if (end - p > 2 * n) {
-        const auto a = test.hits(p);
-        const auto b = test.hits(p + n);
-        if ((a | b).any()) return a.any() ? at(p, a) : at(p + n, b);
-        p += 2 * n;
+    if (len <= 4 * n) return hitInFour(test, src, src + n, end - 2 * n, end - n, locate);
+
+    if (const int i = hitInFour(test, src, src + n, src + 2 * n, src + 3 * n, locate); i >= 0)
+        return i;
+    for (const T* p = src + 3 * n + toBoundary(src); end - p > 4 * n; p += 4 * n) {
+        if (const int i = hitInFour(test, p, p + n, p + 2 * n, p + 3 * n, locate); i >= 0) return i;
     }
-    // At most two blocks are left; what they repeat was seen to have no hit.
-    const T* const first = end - p > n ? p : end - n;
-    const auto a = test.hits(first);
-    const auto b = test.hits(end - n);
-    if ((a | b).any()) return a.any() ? at(first, a) : at(end - n, b);
-    return kNotFound;
+    return hitInFour(test, end - 4 * n, end - 3 * n, end - 2 * n, end - n, locate);
 }
 
 template <typename T, typename Test>
-[[gnu::noinline]] int lastHitLong(const T* src, int len, const Test& testInMemory) {
-    const Test test = testInMemory;
+ZEL_INLINE int lastHitLong(const T* src, int len, const Test& test) {
     constexpr ptrdiff_t n = Test::kLanes;
     const T* const end = src + len;
-    const auto at = [src](const T* p, auto hits) {
+    const auto locate = [src](const T* p, auto hits) {
         return static_cast<int>(p - src) + hits.mask().last();
     };
 
-    if (const auto a = test.hits(end - n); a.any()) return at(end - n, a);
-    const T* p = end - fromBoundary(end);
-    for (; p - src >= 4 * n; p -= 4 * n) {
-        const auto a = test.hits(p - n);
-        const auto b = test.hits(p - 2 * n);
-        const auto c = test.hits(p - 3 * n);
-        const auto d = test.hits(p - 4 * n);
-        if (((a | b) | (c | d)).any()) {
-            if (a.any()) return at(p - n, a);
-            if (b.any()) return at(p - 2 * n, b);
-            if (c.any()) return at(p - 3 * n, c);
-            return at(p - 4 * n, d);
-        }
+    if (len <= 2 * n) {
+        const auto a = test.hits(end - n);
+        const auto b = test.hits(src);
+        if (!(a | b).any()) return kNotFound;
+        return a.any() ? locate(end - n, a) : locate(src, b);
     }
-    if (p - src > 2 * n) {
-        const auto a = test.hits(p - n);
-        const auto b = test.hits(p - 2 * n);
-        if ((a | b).any()) return a.any() ? at(p - n, a) : at(p - 2 * n, b);
-        p -= 2 * n;
+    if (len <= 4 * n) return hitInFour(test, end - n, end - 2 * n, src + n, src, locate);
+
+    if (const int i = hitInFour(test, end - n, end - 2 * n, end - 3 * n, end - 4 * n, locate);
+        i >= 0)
+        return i;
+    for (const T* p = end - 3 * n - fromBoundary(end); p - src > 4 * n; p -= 4 * n) {
+        if (const int i = hitInFour(test, p - n, p - 2 * n, p - 3 * n, p - 4 * n, locate); i >= 0)
+            return i;
     }
-    const T* const last = p - src > n ? p - n : src;
-    const auto a = test.hits(last);
-    const auto b = test.hits(src);
-    if ((a | b).any()) return a.any() ? at(last, a) : at(src, b);
-    return kNotFound;
+    return hitInFour(test, src + 3 * n, src + 2 * n, src + n, src, locate);
 }
 
 /// Index of the first accepted element, or kNotFound.
 template <typename T, typename Test>
 ZEL_INLINE int firstHit(const T* src, int len, const Test& test) {
-    if (len > Test::kLanes) return firstHitLong(src, len, test);
-    return test.maskFirst(src, len).firstOrNotFound();
+    if (len > Test::kLanes) [[unlikely]]
+        return firstHitLong(src, len, test);
+    return test.maskFirst(src, len).firstBelow(len);
 }
 
 /// Index of the last accepted element, or kNotFound.
 template <typename T, typename Test>
 ZEL_INLINE int lastHit(const T* src, int len, const Test& test) {
-    if (len > Test::kLanes) return lastHitLong(src, len, test);
-    return test.maskFirst(src, len).lastOrNotFound();
+    if (len > Test::kLanes) [[unlikely]]
+        return lastHitLong(src, len, test);
+    return (test.maskFirst(src, len) & Mask<T>::firstN(len)).lastOrNotFound();
 }
 
 /// The usual test: one vector a block, accepted where it equals one of N values.
@@ -136,8 +132,7 @@ struct EqualsAnyOf {
     ZEL_INLINE Hits<T> hits(const T* p) const { return hits(Vec<T>::load(p)); }
     ZEL_INLINE Mask<T> maskFirst(const T* p, int n) const {
         const Vec<T> v = Vec<T>::loadFirst(p, n);
-        const Mask<T> found = N == 1 ? Mask<T>{equalBits(v, values[0])} : hits(v).mask();
-        return found & Mask<T>::firstN(n);
+        return N == 1 ? Mask<T>{equalBits(v, values[0])} : hits(v).mask();
     }
 };
 
@@ -150,7 +145,7 @@ struct Differs {
     ZEL_INLINE Mask<T> maskOf(Vec<T> v) const { return ~Mask<T>{equalBits(v, value)}; }
     ZEL_INLINE MaskHits<T> hits(const T* p) const { return {maskOf(Vec<T>::load(p))}; }
     ZEL_INLINE Mask<T> maskFirst(const T* p, int n) const {
-        return maskOf(Vec<T>::loadFirst(p, n)) & Mask<T>::firstN(n);
+        return maskOf(Vec<T>::loadFirst(p, n));
     }
 };
 

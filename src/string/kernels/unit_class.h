@@ -46,7 +46,7 @@ struct PairTest {
         const int inFirst = n < V::kLanes ? n : V::kLanes;
         const V a = V::loadFirst(p, inFirst);
         const V b = V::loadFirst(p + inFirst, n - inFirst);
-        return static_cast<const Test*>(this)->classify(a, b).mask() & Mask<Zel16u>::firstN(n);
+        return static_cast<const Test*>(this)->classify(a, b).mask();
     }
 };
 
@@ -79,16 +79,6 @@ struct RowClass : PairTest<RowClass> {
 };
 
 #if defined(ZEL_ISA_AVX512)
-
-/// Lanes that are not zero hit.
-struct NonZeroHits {
-    __m512i v;
-    ZEL_INLINE Mask<Zel8u> mask() const { return {_mm512_test_epi8_mask(v, v)}; }
-    ZEL_INLINE bool any() const { return mask().any(); }
-    friend ZEL_INLINE NonZeroHits operator|(NonZeroHits a, NonZeroHits b) {
-        return {_mm512_or_si512(a.v, b.v)};
-    }
-};
 
 struct UnitClass : PairTest<UnitClass> {
     __m512i lowGroups[4];   // the groups that a low byte occurs in

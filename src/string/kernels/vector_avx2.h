@@ -146,4 +146,11 @@ ZEL_INLINE Mask<Zel8u> continuations(Vec<Zel8u> v) {
     return Hits<Zel8u>{_mm256_cmpgt_epi8(_mm256_set1_epi8(-64), v.v)}.mask();
 }
 
+/// The two halves, and two pieces of nothing.
+ZEL_INLINE void splitIntoSixteens(Vec<Zel8u> v, __m128i (&piece)[4]) {
+    piece[0] = _mm256_castsi256_si128(v.v);
+    piece[1] = _mm256_extracti128_si256(v.v, 1);
+    piece[2] = piece[3] = _mm_setzero_si128();
+}
+
 }  // namespace zel::ZEL_ISA

@@ -9,6 +9,14 @@ ZEL_INLINE uint64_t lowBits(int n) {
 ZEL_INLINE int countTrailingZeros(uint64_t bits) {
     return static_cast<int>(_tzcnt_u64(bits));
 }
+ZEL_INLINE int countLeadingZeros(uint64_t bits) {
+    return static_cast<int>(_lzcnt_u64(bits));
+}
+
+/// The first n bytes at p, at most 16 of them; the others are zero.
+ZEL_INLINE __m128i loadUpTo16(const void* p, int n) {
+    return _mm_maskz_loadu_epi8(static_cast<__mmask16>(lowBits(n)), p);
+}
 
 }  // namespace zel::ZEL_ISA
 
@@ -129,6 +137,14 @@ ZEL_INLINE Vec<T> addInRange(Vec<T> v, T low, T count, T delta) {
 /// The bytes from 0x80 to 0xBF.
 ZEL_INLINE Mask<Zel8u> continuations(Vec<Zel8u> v) {
     return {_mm512_cmplt_epi8_mask(v.v, _mm512_set1_epi8(-64))};
+}
+
+/// The four quarters.
+ZEL_INLINE void splitIntoSixteens(Vec<Zel8u> v, __m128i (&piece)[4]) {
+    piece[0] = _mm512_castsi512_si128(v.v);
+    piece[1] = _mm512_extracti32x4_epi32(v.v, 1);
+    piece[2] = _mm512_extracti32x4_epi32(v.v, 2);
+    piece[3] = _mm512_extracti32x4_epi32(v.v, 3);
 }
 
 }  // namespace zel::ZEL_ISA
