@@ -19,8 +19,10 @@ ZEL_INLINE uint64_t memberBits(const ByteClass& members, const Zel8u* p, ptrdiff
         if (left >= ByteClass::kLanes) {
             bits |= members.hits(p + at).mask().bits << at;
         } else {
-            return left > 0 ? bits | members.maskFirst(p + at, static_cast<int>(left)).bits << at
-                            : bits;
+            if (left <= 0) return bits;
+            const int rest = static_cast<int>(left);
+            const auto last = members.maskFirst(p + at, rest) & Mask<Zel8u>::firstN(rest);
+            return bits | last.bits << at;
         }
     }
     return bits;
