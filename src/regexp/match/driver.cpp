@@ -88,8 +88,7 @@ class Search {
 public:
     Search(const WorkAreas& work, const Zel8u* text, int length, const ZelRegExpState& state,
            Pay pay)
-        : state_(state), hasBars_(topLevelBar(state, 0) != state.nodeCount), pay_(pay) {
-        anchor_ = anchorOf(state, hasBars_);
+        : state_(state), pay_(pay) {
         context_.noEmpty = 0;
         context_.numCaptures = state.groupCount;
         context_.steps = state.matchLimit;
@@ -114,9 +113,16 @@ public:
     /// Tries start positions from `start` on.
     bool findFrom(const Zel8u* start) {
         clearCaptures();
-        if (anchor_ == Anchor::kStart) return start == context_.textStart && attempt(start);
+        if (start == context_.textStart) {
+            // The beginning is tried whatever the anchor; many a search ends here.
+            if (attempt(start)) return true;
+            start = advance(start);
+        }
+        lookAtPattern();
+        if (anchor_ == Anchor::kStart) return false;
         for (const Zel8u* position = startAt(start); position != nullptr;
              position = after(position)) {
+            if (outOfBudget()) return false;  // every further attempt fails at once
             if (plan_.kind != Plan::kNone) {
                 position = skipFrom(position);
                 if (position == nullptr) return false;
@@ -124,7 +130,6 @@ public:
                 makePlan(state_, anchor_ == Anchor::kLineStart, plan_);
             }
             if (attempt(position)) return true;
-            if (outOfBudget()) return false;  // every further attempt fails at once
         }
         return false;
     }
@@ -197,24 +202,30 @@ private:
         for (int i = 1; i < context_.numCaptures; ++i) context_.captures[i] = {nullptr, -1};
     }
 
+    /// Finds out what only searches need that go on behind their first attempt.
+    void lookAtPattern() {
+        if (firstBar_ >= 0) return;
+        firstBar_ = topLevelBar(state_, 0);
+        anchor_ = anchorOf(state_, firstBar_ != state_.nodeCount);
+    }
+
     /// One attempt: the top-level alternatives in order.
     bool attempt(const Zel8u* position) {
         context_.captures[0] = {position, 0};
         context_.flags = state_.options;
         const int length = static_cast<int>(context_.textEnd - position);
-        if (!hasBars_) return runFrom(0, position, length, context_) == 0;
-        for (int first = 0;;) {
-            if (runFrom(first, position, length, context_) == 0) return true;
-            const int bar = topLevelBar(state_, first);
-            if (bar == state_.nodeCount) return false;
+        if (runFrom(0, position, length, context_) == 0) return true;
+        lookAtPattern();
+        for (int bar = firstBar_; bar != state_.nodeCount; bar = topLevelBar(state_, bar + 1)) {
             context_.flags = static_cast<Zel32u>(context_.nodes[bar].count);
-            first = bar + 1;
+            if (runFrom(bar + 1, position, length, context_) == 0) return true;
         }
+        return false;
     }
 
     const ZelRegExpState& state_;
-    const bool hasBars_;
     const Pay pay_;
+    int firstBar_ = -1;  // node of the first top-level bar, -1 until looked for
     Anchor anchor_ = Anchor::kNone;
     bool guessed_ = false;
     int attempts_ = 0;

@@ -11,6 +11,7 @@
 #include "regexp/match/class_matcher.h"
 #include "regexp/match/greedy_runs.h"
 #include "regexp/match/groups.h"
+#include "regexp/match/straight_line.h"
 #include "regexp/match/walk.h"
 
 namespace zel {
@@ -193,8 +194,8 @@ Walk::Step Walk::goBack() {
 int Walk::run() {
     const Zel32u entryFlags = context.flags;
     for (;;) {
-        Step step = kFailed;
-        if (context.steps >= 0) {
+        Step step = followLine();
+        if (step == kGoOn) {
             if (index == context.end) {
                 step = finish();
             } else if (full()) {

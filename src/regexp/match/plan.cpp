@@ -495,8 +495,6 @@ void Planner::planBytes(Plan& plan) const {
 }
 
 void Planner::make(Zel32u flags, Plan& plan) {
-    plan.kind = Plan::kNone;
-    plan.exact = false;
     int bar = 0;
     while (bar < count_ && !(nodes_[bar].kind == NodeAlternative && nodes_[bar].value == 0)) ++bar;
     const Lead lead = leadFrom(0, flags);
@@ -531,7 +529,6 @@ void Planner::make(Zel32u flags, Plan& plan) {
 
 /// At the start of a line the ^ holds, and what follows it decides.
 void Planner::makeForLines(Zel32u flags, Plan& plan) {
-    plan.kind = Plan::kNone;
     plan.lines = true;
     const Lead lead = leadFrom(0, flags);
     if (planLiteral(lead, plan) && !plan.ignoreCase) return;
@@ -574,6 +571,7 @@ bool Planner::isPlainRun(Zel32u flags, ByteSet& bytes) const {
 }  // namespace
 
 void makePlan(const ZelRegExpState& state, bool lines, Plan& plan) {
+    plan.clear();
     Planner planner(state);
     if (lines) {
         planner.makeForLines(state.options, plan);

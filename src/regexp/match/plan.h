@@ -28,23 +28,28 @@ struct Plan {
         kRunLiteral,  // a match begins with bytes of `first` and `literal` directly behind them
         kSet,         // a match begins with a byte of `first`
     };
-    Kind kind = kNone;
-    bool lines = false;  // only starts of lines are tried anyway
-    int price = 0;       // what a rejected start position costs at most
-    int runPrice = 0;    // and, for runs, what each byte behind it in its run adds
-    bool exact = false;  // whether it costs just that
-    ByteSet first = {};
-    ByteSet behind = {};
-    bool avoidsWide = false;  // a run in front of a longer character has to be tried
-    int min = 1;              // length of the run
-    int max = 1;
-    const Zel8u* literal = nullptr;
-    int literalLength = 0;
-    bool ignoreCase = false;
-    int alternatives = 0;  // in `prefix`
-    int byteCount = 0;
-    Zel8u bytes[3] = {};
+    Kind kind;
+    bool lines;    // only starts of lines are tried anyway
+    int price;     // what a rejected start position costs at most
+    int runPrice;  // and, for runs, what each byte behind it in its run adds
+    bool exact;    // whether it costs just that
+    ByteSet first;
+    ByteSet behind;
+    bool avoidsWide;  // a run in front of a longer character has to be tried
+    int min;          // length of the run
+    int max;
+    const Zel8u* literal;
+    int literalLength;
+    bool ignoreCase;
+    int alternatives;  // in `prefix`
+    int byteCount;
+    Zel8u bytes[3];
     kernels::PrefixTables prefix;
+
+    /// No plan yet. The rest of the members is for makePlan to fill: most searches never get that
+    /// far.
+    Plan() : kind(kNone) {}
+    void clear();
 
     /// The first position of [from, end) that the plan does not reject, `end` when there is none.
     /// `start` is where the subject begins.
@@ -60,7 +65,7 @@ private:
     const Zel8u* nextRun(const Zel8u* from, const Zel8u* end) const;
     const Zel8u* nextRunLiteral(const Zel8u* from, const Zel8u* end);
 
-    const Zel8u* wide_ = nullptr;  // the first byte of a longer character, once looked for
+    const Zel8u* wide_;  // the first byte of a longer character, once looked for
 };
 
 /// Draws up a plan for the pattern. `lines` says that it begins with ^ and that only starts of

@@ -18,6 +18,15 @@ const Zel8u* runStart(const Zel8u* from, const Zel8u* end, const ByteSet& bytes)
 
 }  // namespace
 
+void Plan::clear() {
+    kind = kNone;
+    lines = exact = ignoreCase = avoidsWide = false;
+    price = runPrice = literalLength = alternatives = byteCount = 0;
+    min = max = 1;
+    literal = wide_ = nullptr;
+    first = behind = {};
+}
+
 const Zel8u* Plan::next(const Zel8u* from, const Zel8u* start, const Zel8u* end) {
     if (lines) return nextStartOfLine(from, end);
     const int length = distance(from, end);

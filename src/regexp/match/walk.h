@@ -117,6 +117,9 @@ private:
     Step finish();
     Step goBack();
 
+    // straight_line.h
+    Step followLine();
+
     // greedy_runs.h
     Step runGreedy(const Node& node, const Node& quantifier, int rest);
     Step pushRun(Choice::Kind kind, int rest, int count, int offset, int min);
