@@ -209,6 +209,15 @@ private:
         anchor_ = anchorOf(state_, firstBar_ != state_.nodeCount);
     }
 
+    /// Whether the alternative begins with a literal whose first byte is not there: one step, and
+    /// it fails.
+    bool failsAtOnce(int node, const Zel8u* position) const {
+        if (node >= state_.nodeCount || context_.nodes[node].kind != NodeString) return false;
+        if ((context_.flags & kOptionIgnoreCase) != 0) return false;
+        return position == context_.textEnd ||
+               *position != *static_cast<const Zel8u*>(context_.nodes[node].data);
+    }
+
     /// One attempt: the top-level alternatives in order.
     bool attempt(const Zel8u* position) {
         context_.captures[0] = {position, 0};
@@ -218,7 +227,11 @@ private:
         lookAtPattern();
         for (int bar = firstBar_; bar != state_.nodeCount; bar = topLevelBar(state_, bar + 1)) {
             context_.flags = static_cast<Zel32u>(context_.nodes[bar].count);
-            if (runFrom(bar + 1, position, length, context_) == 0) return true;
+            if (failsAtOnce(bar + 1, position)) {
+                if (!context_.charge(1)) return false;
+            } else if (runFrom(bar + 1, position, length, context_) == 0) {
+                return true;
+            }
         }
         return false;
     }

@@ -22,8 +22,14 @@ inline GroupFrame& frameOf(const RegExpMatchContext& context, int node) {
 
 /// Remembers the state of the group in the choice.
 inline void saveGroup(Choice& choice, const RegExpMatchContext& context, const GroupFrame& frame,
-                      const Node& opening) {
-    choice.group.frame = {frame.minLeft, frame.maxLeft, frame.lengthAtEntry, frame.reentries};
+                      const Node& opening, bool repeats) {
+    choice.group.repeats = repeats;
+    choice.group.frame.lengthAtEntry = frame.lengthAtEntry;
+    if (repeats) {
+        choice.group.frame.minLeft = frame.minLeft;
+        choice.group.frame.maxLeft = frame.maxLeft;
+        choice.group.frame.reentries = frame.reentries;
+    }
     if (opening.kind == NodeGroupingCapture) choice.group.record = context.captures[opening.extra];
 }
 
@@ -31,10 +37,12 @@ inline void saveGroup(Choice& choice, const RegExpMatchContext& context, const G
 inline void Walk::putBack(const Choice& choice, int open) {
     const Node& opening = context.nodes[open];
     GroupFrame& frame = context.groups[opening.value];
-    frame.minLeft = choice.group.frame.minLeft;
-    frame.maxLeft = choice.group.frame.maxLeft;
     frame.lengthAtEntry = choice.group.frame.lengthAtEntry;
-    frame.reentries = choice.group.frame.reentries;
+    if (choice.group.repeats) {
+        frame.minLeft = choice.group.frame.minLeft;
+        frame.maxLeft = choice.group.frame.maxLeft;
+        frame.reentries = choice.group.frame.reentries;
+    }
     if (opening.kind == NodeGroupingCapture) context.captures[opening.extra] = choice.group.record;
 }
 
@@ -85,12 +93,14 @@ inline Walk::Step Walk::ownsNodeGrouping(const Node& node) {
 inline Walk::Step Walk::enterGroup(int open, const Node& node, const Node* quantifier) {
     Choice& choice = push(Choice::kBody, open);
     GroupFrame& frame = context.groups[node.value];
-    saveGroup(choice, context, frame, node);
-    frame.minLeft = quantifier != nullptr ? quantifier->value - 1 : 0;
-    frame.maxLeft = quantifier != nullptr ? quantifier->count - 1 : 0;
+    saveGroup(choice, context, frame, node, quantifier != nullptr);
     frame.openNode = open;
     frame.lengthAtEntry = length();
-    frame.reentries = 0;
+    if (quantifier != nullptr) {
+        frame.minLeft = quantifier->value - 1;
+        frame.maxLeft = quantifier->count - 1;
+        frame.reentries = 0;
+    }
     if (node.kind == NodeGroupingCapture) {
         context.captures[node.extra] = {text, 0};
     } else if (node.kind == NodeGroupingOptions) {
@@ -107,18 +117,19 @@ inline Walk::Step Walk::ownsNodeGroupingClose(int close) {
     if (quantifier == nullptr && opening.kind != NodeGroupingCapture) return leaveGroup(close);
 
     Choice& choice = push(Choice::kRestore, close);
-    saveGroup(choice, context, frame, opening);
+    saveGroup(choice, context, frame, opening, quantifier != nullptr);
     const int iterationLength = frame.lengthAtEntry - length();
+    if (opening.kind == NodeGroupingCapture) {
+        context.captures[opening.extra] = {text - iterationLength, iterationLength};
+    }
+    if (quantifier == nullptr) return leaveGroup(close);
     frame.lengthAtEntry = length();
     if (frame.reentries != 0) {
         --frame.reentries;
         --frame.minLeft;
         --frame.maxLeft;
     }
-    if (opening.kind == NodeGroupingCapture) {
-        context.captures[opening.extra] = {text - iterationLength, iterationLength};
-    }
-    const bool lazy = quantifier != nullptr && quantifier->kind == NodeQuantifierMin;
+    const bool lazy = quantifier->kind == NodeQuantifierMin;
     const bool mayRepeat = frame.maxLeft >= 1;
     if ((!mayRepeat && !lazy) || iterationLength == 0) return leaveGroup(close);
     if (lazy && frame.minLeft < 1) {

@@ -113,6 +113,10 @@ private:
     bool planLine(Zel32u flags, Plan& plan) const;
     bool planDoubled(const Lead& lead, Plan& plan) const;
     bool planRun(const Lead& lead, Plan& plan);
+    bool planTwoRuns(int index, const Lead& lead, const ByteSet& bytes, const Node& repeat,
+                     Plan& plan) const;
+    bool beginsWord(const Lead& lead, const ByteSet& bytes) const;
+    bool echoesFirstByte(int behindRun, const Lead& lead) const;
     bool planPrefix(Zel32u flags, bool hasBars, Plan& plan) const;
     bool addPrefixes(int from, int to, int serial, Zel32u flags, Plan& plan) const;
     bool addPrefix(int index, Zel32u flags, Plan& plan) const;
@@ -376,6 +380,52 @@ bool Planner::isAsciiRun(int index, Zel32u flags, ByteSet& bytes) const {
     return (bytes.words[2] | bytes.words[3]) == 0;
 }
 
+/// Whether \b in front of the run holds only where no byte of a word stands before it.
+bool Planner::beginsWord(const Lead& lead, const ByteSet& bytes) const {
+    for (int w = 0; w < 4; ++w) {
+        if ((bytes.words[w] & ~kWordBytes.words[w]) != 0) return false;
+    }
+    for (int i = 0; i < lead.index; ++i) {
+        if (nodes_[i].kind == NodePosition && nodes_[i].value == 'b') return true;
+    }
+    return false;
+}
+
+/// `(run)x\1`: the close, a letter and a reference to the group that the run stands in.
+bool Planner::echoesFirstByte(int behindRun, const Lead& lead) const {
+    if (lead.index == 0 || behindRun + 2 >= count_ || (lead.flags & kOptionIgnoreCase) != 0)
+        return false;
+    const Node& opening = nodes_[lead.index - 1];
+    const Node& reference = nodes_[behindRun + 2];
+    return opening.kind == NodeGroupingCapture && behindRun == closeOf(lead.index - 1) &&
+           quantifier(behindRun + 1) == nullptr && isLiteral(behindRun + 1, lead.flags) &&
+           nodes_[behindRun + 1].kind == NodeLetter && reference.kind == NodeBackReference &&
+           reference.value == opening.extra && quantifier(behindRun + 3) == nullptr;
+}
+
+/// Two runs of sets that share no byte, and a literal behind them.
+bool Planner::planTwoRuns(int index, const Lead& lead, const ByteSet& bytes, const Node& repeat,
+                          Plan& plan) const {
+    if (repeat.count != kUnbounded || !isAtom(nodes_[index].kind)) return false;
+    const int next = behindAtom(index);
+    const Node* secondRepeat = quantifier(next);
+    if (secondRepeat == nullptr || secondRepeat->kind != NodeQuantifierMax) return false;
+    if (secondRepeat->value != 1 || secondRepeat->count != kUnbounded) return false;
+    if (!isAsciiRun(index, lead.flags, plan.second) || !disjoint(bytes, plan.second)) return false;
+    if (!isLiteral(next + 1, lead.flags) || nodes_[next + 1].kind != NodeString) return false;
+    setLiteral(next + 1, plan);
+    if (plan.second.has(*plan.literal)) return false;
+    plan.kind = Plan::kRunLiteral;
+    plan.hasSecond = true;
+    plan.avoidsWide = true;
+    plan.first = bytes;
+    plan.min = repeat.value;
+    plan.price = lead.price + 3;
+    plan.runPrice = 1;
+    plan.exact = false;
+    return true;
+}
+
 /// A run of a set's bytes and what comes behind it: something outside the set, or a literal.
 bool Planner::planRun(const Lead& lead, Plan& plan) {
     ByteSet bytes;
@@ -390,8 +440,11 @@ bool Planner::planRun(const Lead& lead, Plan& plan) {
     if (!begin(next + 1, lead.flags, rest)) return false;
     const bool shorthand = nodes_[lead.index].kind == NodeLetterRange;
     if (disjoint(bytes, rest.bytes)) {
+        if (planTwoRuns(next + 1, lead, bytes, *repeat, plan)) return true;
         plan.kind = Plan::kRun;
         plan.behind = rest.bytes;
+        plan.wordStart = beginsWord(lead, bytes);
+        plan.echoes = plan.wordStart && echoesFirstByte(next + 1, lead);
         // A shorthand in front of a longer character gives back more than one byte: to be tried.
         if (shorthand) plan.behind.addRange(0xC0, 0xFF);
     } else {

@@ -35,6 +35,10 @@ struct Plan {
     bool exact;    // whether it costs just that
     ByteSet first;
     ByteSet behind;
+    ByteSet second;  // a run of other bytes between the first run and `literal`
+    bool hasSecond;
+    bool wordStart;   // the run begins where a word begins
+    bool echoes;      // behind the run and one more byte stands the run's first byte again
     bool avoidsWide;  // a run in front of a longer character has to be tried
     int min;          // length of the run
     int max;
@@ -62,7 +66,8 @@ private:
     bool acceptsAt(const Zel8u* position, const Zel8u* end) const;
     const Zel8u* nextStartOfLine(const Zel8u* from, const Zel8u* end) const;
     const Zel8u* nextLine(const Zel8u* from, const Zel8u* start, const Zel8u* end) const;
-    const Zel8u* nextRun(const Zel8u* from, const Zel8u* end) const;
+    const Zel8u* nextRun(const Zel8u* from, const Zel8u* start, const Zel8u* end) const;
+    const Zel8u* runsStart(const Zel8u* from, const Zel8u* end) const;
     const Zel8u* nextRunLiteral(const Zel8u* from, const Zel8u* end);
 
     const Zel8u* wide_;  // the first byte of a longer character, once looked for

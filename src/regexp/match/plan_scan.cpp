@@ -2,6 +2,8 @@
 // between.
 #include "regexp/match/plan.h"
 
+#include "regexp/match/predicates.h"
+
 namespace zel {
 
 namespace {
@@ -20,11 +22,11 @@ const Zel8u* runStart(const Zel8u* from, const Zel8u* end, const ByteSet& bytes)
 
 void Plan::clear() {
     kind = kNone;
-    lines = exact = ignoreCase = avoidsWide = false;
+    lines = exact = ignoreCase = avoidsWide = hasSecond = wordStart = echoes = false;
     price = runPrice = literalLength = alternatives = byteCount = 0;
     min = max = 1;
     literal = wide_ = nullptr;
-    first = behind = {};
+    first = behind = second = {};
 }
 
 const Zel8u* Plan::next(const Zel8u* from, const Zel8u* start, const Zel8u* end) {
@@ -54,7 +56,7 @@ const Zel8u* Plan::next(const Zel8u* from, const Zel8u* start, const Zel8u* end)
         case kDoubled:
             return from + kernels::findDoubled(from, length, first.words);
         case kRun:
-            return nextRun(from, end);
+            return nextRun(from, start, end);
         case kRunLiteral:
             return nextRunLiteral(from, end);
         case kSet:
@@ -112,17 +114,24 @@ const Zel8u* Plan::nextLine(const Zel8u* from, const Zel8u* start, const Zel8u* 
     return end;
 }
 
-const Zel8u* Plan::nextRun(const Zel8u* from, const Zel8u* end) const {
+const Zel8u* Plan::nextRun(const Zel8u* from, const Zel8u* start, const Zel8u* end) const {
     for (const Zel8u* position = from; position < end;) {
         const Zel8u* last = position + kernels::findPairIn(position, distance(position, end),
                                                            first.words, behind.words);
         if (last == end) break;
         const Zel8u* earliest = last + 1 - from > max ? last + 1 - max : from;
         const Zel8u* begin = runStart(earliest, last + 1, first);
-        if (last + 1 - begin >= min) return begin;
+        const bool inWord = wordStart && begin > start && kWordBytes.has(begin[-1]);
+        const bool silent = echoes && last[1] < 0x80 && (end - last <= 2 || last[2] != *begin);
+        if (last + 1 - begin >= min && !inWord && !silent) return begin;
         position = last + 1;
     }
     return end;
+}
+
+/// Where the run, or both, that end at `end` begin.
+const Zel8u* Plan::runsStart(const Zel8u* from, const Zel8u* end) const {
+    return runStart(from, hasSecond ? runStart(from, end, second) : end, first);
 }
 
 const Zel8u* Plan::nextRunLiteral(const Zel8u* from, const Zel8u* end) {
@@ -137,13 +146,14 @@ const Zel8u* Plan::nextRunLiteral(const Zel8u* from, const Zel8u* end) {
                    kernels::findBytes(earliest, distance(earliest, end), literal, literalLength);
         if (avoidsWide && wide_ < position) {
             position = wide_ + 1;
-            const Zel8u* begin = runStart(from, wide_, first);
+            const Zel8u* begin = runsStart(from, wide_);
             if (begin < wide_) return begin;
             continue;
         }
         if (position == end) break;
-        const Zel8u* begin = runStart(from, position, first);
-        if (position - begin >= min) return begin;
+        const Zel8u* firstEnd = hasSecond ? runStart(from, position, second) : position;
+        const Zel8u* begin = runStart(from, firstEnd, first);
+        if (firstEnd - begin >= min && (!hasSecond || firstEnd < position)) return begin;
         position -= min - 1;
     }
     return end;
@@ -155,6 +165,12 @@ int64_t Plan::bill(const Zel8u* from, const Zel8u* to) const {
     int64_t sum = static_cast<int64_t>(length) * price;
     if (kind == kLine) sum += 4;
     if (runPrice != 0) sum += kernels::sumRuns(from, length, first.words) * runPrice;
+    if (hasSecond) {
+        // Each start has the second run behind its own to give back, too: of runs of m and n bytes
+        // that makes m * n, which is no more than the sum of both runs'.
+        sum += kernels::sumRuns(from, length, first.words) +
+               kernels::sumRuns(from, length, second.words);
+    }
     return sum;
 }
 

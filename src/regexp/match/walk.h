@@ -52,6 +52,7 @@ struct Choice {
         } run;
         struct {
             int next;
+            bool repeats;  // only a group that can repeat has more in its frame than where it began
             FrameState frame;
             CaptureRecord record;
         } group;
