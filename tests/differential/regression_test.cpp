@@ -38,5 +38,22 @@ TEST(Regression, RegexpCasesAgree) {
     });
 }
 
+const ReplaceCase replaceCases[] = {
+    // A run that gives back more bytes than it took: the match ends in front of its start.
+    {".?^", "g", 10000, "aa\314\201", false, "", 100, 16},
+    {".?(\303)", "", 10000, "\303\251aa\360\230\200\251", false, "", 100, 16},
+    {"(?:\\141)\\S? ", "", 10000, " aaaaa\375\277\277\277\277\277 ", false, "", 100, 16},
+    {"a\\s?[\\PL]", "", 10000, "\237aa\014\360\237\230\200", false, "", 100, 16},
+    {"a*.?(^|(a(a)a))", "g", 10000, "aa\303\251", false, "", 100, 16},
+};
+
+TEST(Regression, ReplaceCasesAgree) {
+    onDeepStack([] {
+        for (const ReplaceCase& testCase : replaceCases) {
+            EXPECT_EQ(compare(testCase), "") << testCase.text();
+        }
+    });
+}
+
 }  // namespace
 }  // namespace differential

@@ -35,6 +35,15 @@ Piece pieceOf(const ZelRegExpFind& record, const Zel8u* sourceEnd) {
     return {record.pMatch, record.lenMatch < room ? record.lenMatch : static_cast<int>(room)};
 }
 
+/// Where a match ends: inside the source whatever its length says. A negative length is taken as it
+/// is, so that the match ends in front of its start.
+const Zel8u* endOf(const ZelRegExpFind& match, const Zel8u* source, const Zel8u* sourceEnd) {
+    long long end = (match.pMatch - source) + static_cast<long long>(match.lenMatch);
+    if (end < 0) end = 0;
+    if (end > sourceEnd - source) end = sourceEnd - source;
+    return source + end;
+}
+
 Piece pieceFor(const ReplaceSegment& segment, const ZelRegExpFind* records, int numRecords,
                const Zel8u* sourceEnd) {
     if (segment.kind == literalSegment) return {segment.text, segment.value};
@@ -68,9 +77,9 @@ ZelStatus replaceFirst(const Zel8u* source, int* sourceLength, Zel8u* destinatio
     const int capacity = *destinationLength;
     const Zel8u* sourceEnd = source + *sourceLength;
     const Zel8u* match = records[0].pMatch;
-    int matchLength = pieceOf(records[0], sourceEnd).length;
+    const Zel8u* matchEnd = endOf(records[0], source, sourceEnd);
     int prefix = static_cast<int>(match - source);
-    int tail = *sourceLength - prefix - matchLength;
+    int tail = static_cast<int>(sourceEnd - matchEnd);
     if (prefix > 0) {
         if (prefix >= capacity) {
             *sourceLength = 0;
@@ -80,7 +89,7 @@ ZelStatus replaceFirst(const Zel8u* source, int* sourceLength, Zel8u* destinatio
         append(destination, source, prefix);
     }
     if (state.count == 0) {
-        append(destination + prefix, match + matchLength, tail);
+        append(destination + prefix, matchEnd, tail);
         *destinationLength = prefix;
         return zelStatusOk;
     }
@@ -92,10 +101,10 @@ ZelStatus replaceFirst(const Zel8u* source, int* sourceLength, Zel8u* destinatio
     }
     long long room = static_cast<long long>(capacity) - prefix - expanded;
     if (tail < room) {
-        append(destination + prefix + expanded, match + matchLength, tail);
+        append(destination + prefix + expanded, matchEnd, tail);
         *destinationLength = prefix + expanded + tail;
     } else {
-        *sourceLength = prefix + matchLength;
+        *sourceLength = static_cast<int>(matchEnd - source);
         *destinationLength = prefix + expanded;
     }
     return zelStatusOk;
@@ -129,7 +138,7 @@ ZelStatus replaceAll(const Zel8u* source, int* sourceLength, Zel8u* destination,
         }
         to += expanded;
         room -= expanded;
-        const Zel8u* matchEnd = block[0].pMatch + pieceOf(block[0], sourceEnd).length;
+        const Zel8u* matchEnd = endOf(block[0], source, sourceEnd);
         *sourceLength -= static_cast<int>(matchEnd - current);
         current = matchEnd;
     }
