@@ -12,6 +12,7 @@
 #include "core/checks.h"
 #include "regexp/match/character.h"
 #include "regexp/match/context.h"
+#include "regexp/match/first_letter.h"
 #include "regexp/match/plan.h"
 #include "regexp/match/predicates.h"
 #include "string/utf8.h"
@@ -212,10 +213,8 @@ private:
     /// Whether the alternative begins with a literal whose first byte is not there: one step, and
     /// it fails.
     bool failsAtOnce(int node, const Zel8u* position) const {
-        if (node >= state_.nodeCount || context_.nodes[node].kind != NodeString) return false;
-        if ((context_.flags & kOptionIgnoreCase) != 0) return false;
-        return position == context_.textEnd ||
-               *position != *static_cast<const Zel8u*>(context_.nodes[node].data);
+        const int letter = firstLetterOfNode(context_, node, context_.flags);
+        return letter >= 0 && (position == context_.textEnd || *position != letter);
     }
 
     /// One attempt: the top-level alternatives in order.

@@ -8,36 +8,12 @@
 #pragma once
 
 #include "regexp/match/class_matcher.h"
+#include "regexp/match/first_letter.h"
 #include "regexp/match/repetition.h"
 #include "regexp/match/walk.h"
 #include "string/kernels/api.h"
 
 namespace zel {
-
-/// The byte that the program from `node` on begins with, when all it does in front of any other
-/// byte is to close groups and fail: `price` is what that costs. -1 when there is no such byte.
-struct FirstLetter {
-    int letter;
-    int price;
-};
-
-inline FirstLetter firstLetter(const RegExpMatchContext& context, int node) {
-    Zel32u flags = context.flags;
-    for (int price = 1; node < context.end; ++price, ++node) {
-        const Node& rest = context.nodes[node];
-        if (rest.kind == NodeGroupingClose && quantifierAt(context, node + 1) == nullptr) {
-            flags = static_cast<Zel32u>(rest.count);
-            continue;
-        }
-        if ((flags & kOptionIgnoreCase) != 0) break;
-        if (rest.kind == NodeString) return {*static_cast<const Zel8u*>(rest.data), price};
-        if (rest.kind != NodeLetter) break;
-        const Node* quantifier = quantifierAt(context, node + 1);
-        if (quantifier != nullptr && quantifier->value == 0) break;
-        return {static_cast<Zel8u>(rest.value), price};
-    }
-    return {-1, 0};
-}
 
 /// The bytes of a set that are characters of their own in every format.
 inline ByteSet asciiPart(const ByteSet& bytes) {

@@ -11,6 +11,7 @@
 // repetition.
 #pragma once
 
+#include "regexp/match/first_letter.h"
 #include "regexp/match/group_body.h"
 #include "regexp/match/walk.h"
 
@@ -66,15 +67,24 @@ inline Walk::Step Walk::runBody(Choice& choice, int open) {
     return kGoOn;
 }
 
-/// Goes on with the next alternative; false when there is none.
+/// Goes on with the next alternative; false when there is none. One that begins with a literal
+/// whose first byte is not there costs its step and is passed over.
 inline bool Walk::tryNextAlternative(Choice& choice, int open) {
     const int close = closingNode(context, open);
-    const int bar = nextAlternative(context, choice.group.next, close, context.nodes[open].value);
-    if (bar == close) return false;
-    context.flags = static_cast<Zel32u>(context.nodes[bar].count);
-    choice.group.next = bar + 1;
-    index = bar + 1;
-    return true;
+    const int serial = context.nodes[open].value;
+    for (;;) {
+        const int bar = nextAlternative(context, choice.group.next, close, serial);
+        if (bar == close) return false;
+        if (choice.kind == Choice::kRepeat) {
+            whole.length = static_cast<int>(text - whole.text) - consumed;
+        }
+        context.flags = static_cast<Zel32u>(context.nodes[bar].count);
+        choice.group.next = bar + 1;
+        index = bar + 1;
+        const int letter = firstLetterOfNode(context, index, context.flags);
+        if (letter < 0 || (text < context.textEnd && *text == letter) || !context.charge(1))
+            return true;
+    }
 }
 
 inline Walk::Step Walk::ownsNodeGrouping(const Node& node) {
@@ -177,10 +187,7 @@ inline Walk::Step Walk::resumeGroup(Choice& choice) {
     const int open = frame.openNode;
     if (choice.kind == Choice::kLeft) return repeatGroup(choice, close);
     if (choice.kind == Choice::kRepeat) {
-        if (tryNextAlternative(choice, open)) {
-            whole.length = static_cast<int>(text - whole.text) - consumed;
-            return kGoOn;
-        }
+        if (tryNextAlternative(choice, open)) return kGoOn;
         frame.reentries = 0;
         if (frame.minLeft < 1 && context.nodes[close + 1].kind == NodeQuantifierMax) {
             choice.kind = Choice::kRestore;
