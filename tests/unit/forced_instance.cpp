@@ -10,10 +10,11 @@ namespace forced = zel::ZEL_FORCED_ISA;
 // Resolvers that ran, before main.
 static int g_bound;
 
-#define ZEL_BIND(symbol, name)                                                                 \
-    extern "C" [[gnu::no_sanitize("address", "undefined")]] decltype(&forced::name) symbol() { \
-        ++g_bound;                                                                             \
-        return forced::name;                                                                   \
+#define ZEL_BIND(symbol, name)                                                              \
+    extern "C" __attribute__((no_sanitize("address", "undefined"))) decltype(&forced::name) \
+    symbol() {                                                                              \
+        ++g_bound;                                                                          \
+        return forced::name;                                                                \
     }
 
 #define ZEL_BIND_EXPORT(name)   \
