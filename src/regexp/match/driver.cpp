@@ -128,7 +128,7 @@ public:
                 position = skipFrom(position);
                 if (position == nullptr) return false;
             } else if (pay_ == Pay::kUpperBound && ++attempts_ == kAttemptsBeforePlanning) {
-                makePlan(state_, anchor_ == Anchor::kLineStart, plan_);
+                makePlan(state_, anchor_ == Anchor::kLineStart, context_.stack, plan_);
             }
             if (attempt(position)) return true;
         }
@@ -139,7 +139,7 @@ public:
     /// this search has to go the ordinary way.
     bool collectPlainRuns(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
         ByteSet bytes;
-        if (pay_ != Pay::kUpperBound || !isPlainRun(state_, bytes)) return false;
+        if (pay_ != Pay::kUpperBound || !isPlainRun(state_, context_.stack, bytes)) return false;
         // Each byte outside the runs, each run and the end of the text cost a step.
         const int length = static_cast<int>(context_.textEnd - start);
         if (context_.steps <= length) return false;

@@ -62,8 +62,11 @@ bool isAtom(Zel32u kind) {
 
 class Planner {
 public:
-    explicit Planner(const ZelRegExpState& state)
-        : nodes_(state.nodes()), count_(state.nodeCount), utf8_(state.format == kFormatUtf8) {}
+    Planner(const ZelRegExpState& state, StackGuard& stack)
+        : nodes_(state.nodes()),
+          count_(state.nodeCount),
+          utf8_(state.format == kFormatUtf8),
+          stack_(stack) {}
 
     void make(Zel32u flags, Plan& plan);
     void makeForLines(Zel32u flags, Plan& plan);
@@ -125,6 +128,7 @@ private:
     const Node* nodes_;
     int count_;
     bool utf8_;
+    StackGuard& stack_;
     int effort_ = 0;
 };
 
@@ -206,7 +210,7 @@ bool Planner::beginGroup(int open, Zel32u flags, Beginning& result) {
 }
 
 bool Planner::begin(int index, Zel32u flags, Beginning& result) {
-    if (++effort_ > kMaxEffort || index >= count_) return false;
+    if (++effort_ > kMaxEffort || index >= count_ || !stack_.hasRoom()) return false;
     const Node& node = nodes_[index];
     if (isAtom(node.kind)) return beginAtom(index, flags, result);
     Beginning rest;
@@ -623,9 +627,9 @@ bool Planner::isPlainRun(Zel32u flags, ByteSet& bytes) const {
 
 }  // namespace
 
-void makePlan(const ZelRegExpState& state, bool lines, Plan& plan) {
+void makePlan(const ZelRegExpState& state, bool lines, StackGuard& stack, Plan& plan) {
     plan.clear();
-    Planner planner(state);
+    Planner planner(state, stack);
     if (lines) {
         planner.makeForLines(state.options, plan);
     } else {
@@ -633,8 +637,8 @@ void makePlan(const ZelRegExpState& state, bool lines, Plan& plan) {
     }
 }
 
-bool isPlainRun(const ZelRegExpState& state, ByteSet& bytes) {
-    return Planner(state).isPlainRun(state.options, bytes);
+bool isPlainRun(const ZelRegExpState& state, StackGuard& stack, ByteSet& bytes) {
+    return Planner(state, stack).isPlainRun(state.options, bytes);
 }
 
 }  // namespace zel

@@ -9,6 +9,7 @@
 #pragma once
 
 #include "regexp/match/byte_set.h"
+#include "regexp/match/stack_guard.h"
 #include "regexp/program.h"
 #include "string/kernels/api.h"
 
@@ -73,12 +74,12 @@ private:
     const Zel8u* wide_;  // the first byte of a longer character, once looked for
 };
 
-/// Draws up a plan for the pattern. `lines` says that it begins with ^ and that only starts of
-/// lines are tried.
-void makePlan(const ZelRegExpState& state, bool lines, Plan& plan);
+/// Draws up a plan for the pattern, or none where the stack is too short for it. `lines` says that
+/// it begins with ^ and that only starts of lines are tried.
+void makePlan(const ZelRegExpState& state, bool lines, StackGuard& stack, Plan& plan);
 
 /// Whether the pattern is one greedy run of at least one byte of a set, and nothing else, so that
 /// its matches are the set's runs.
-bool isPlainRun(const ZelRegExpState& state, ByteSet& bytes);
+bool isPlainRun(const ZelRegExpState& state, StackGuard& stack, ByteSet& bytes);
 
 }  // namespace zel

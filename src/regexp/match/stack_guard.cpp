@@ -12,9 +12,10 @@ namespace zel {
 
 namespace {
 
-// A search may use this much before anybody asks: little enough for the smallest threads.
-constexpr ptrdiff_t kNearThread = 8 * 1024;
-constexpr ptrdiff_t kNearMain = 64 * 1024;
+// A search may use this much before anybody asks. The smallest threads have some 12 KiB, and asking
+// itself takes 4.
+constexpr ptrdiff_t kNearThread = 4 * 1024;
+constexpr ptrdiff_t kNearMain = 32 * 1024;
 // Room for what runs without asking: node functions, kernels, a signal handler.
 constexpr ptrdiff_t kMargin = 16 * 1024;
 // The kernel keeps at least 128 MiB below the main stack free of other mappings, whatever the
