@@ -3,11 +3,13 @@
 
 Usage: tools/make_unicode_tables.py UnicodeData.txt Scripts.txt Blocks.txt OUTPUT_DIRECTORY
 
-The three inputs are those of Unicode 5.1.0. Writes five files, which are checked in, so that the
+The three inputs are those of Unicode 5.1.0. Writes seven files, which are checked in, so that the
 build needs neither this program nor its inputs:
 
   characters_tables.inc    UniTbl and UniRangeTbl
   pages_tables.inc         the two-stage index from a code point to its UniTbl entry and UniRangeTbl range
+  groups_tables.inc        the groups of code points that every category test answers alike
+  group_pages_tables.inc   the two-stage index from a code point to its group
   blocks_tables.inc        UniBlockTbl
   scripts_tables.inc       one pair table per script
   script_names_tables.inc  UniScriptTbl, in the order in which names are tried
@@ -104,6 +106,39 @@ def make_pages(entries, ranges):
     return pages, page_of, range_of
 
 
+def make_groups(entries, ranges):
+    """The groups, the lead bytes of each group's characters of several bytes, and the two-stage index:
+    page number -> distinct page -> group number."""
+    last_listed = entries[-1][0]
+    group_of = {}
+    for code_point, category, _, _ in entries:
+        group_of[code_point] = ("kListed", category)
+    for first, last, category in ranges:
+        for c in range(first, last + 1):
+            group_of[c] = ("kUniform" if c <= last_listed else "kUniformBeyond", category)
+    groups = sorted(set(group_of.values())) + [("kAbsent", 0), ("kBeyond", 0)]
+    numbers = {group: number for number, group in enumerate(groups)}
+
+    def number(c):
+        return numbers[group_of.get(c, groups[-2] if c <= last_listed else groups[-1])]
+
+    pages, page_of = {}, []
+    for start in range(0, CODE_POINTS, PAGE_SIZE):
+        page = tuple(number(c) for c in range(start, start + PAGE_SIZE))
+        page_of.append(pages.setdefault(page, len(pages)))
+
+    leads = [0] * len(groups)
+    for c in range(0x80, CODE_POINTS):
+        leads[number(c)] |= 1 << (lead_byte(c) & 63)
+    for lead in range(lead_byte(CODE_POINTS - 1), 0xFE):  # the values above are no code points
+        leads[-1] |= 1 << (lead & 63)
+    return groups, leads, list(pages), page_of
+
+
+def lead_byte(c):
+    return 0xC0 | c >> 6 if c < 0x800 else 0xE0 | c >> 12 if c < 0x10000 else 0xF0 | c >> 18
+
+
 def main():
     if len(sys.argv) != 5:
         sys.exit(__doc__)
@@ -125,6 +160,19 @@ def main():
           array(f"constexpr Zel8u kRangeOf[{len(range_of)}]", (f"{n}," for n in range_of)),
           "// Rows of UniTbl indices; kUniTblSize where there is no entry.",
           array(f"constexpr Zel16u kEntryOf[{len(pages)}][{PAGE_SIZE}]",
+                ("{" + ",".join(map(str, page)) + "}," for page in pages)))
+
+    groups, leads, pages, page_of = make_groups(entries, ranges)
+    assert len(groups) <= 64 and len(pages) <= 256
+    write(directory, "groups_tables.inc",
+          f"inline constexpr UniGroup UniGroupTbl[{len(groups)}] = {{",
+          "\n".join(f"{{UniGroup::{place}, 0x{category:X}, 0x{lead:X}}},"
+                    for (place, category), lead in zip(groups, leads)), "};")
+    write(directory, "group_pages_tables.inc",
+          "// Code point >> kUniGroupPageBits to a row of UniGroupOf.",
+          array(f"const Zel8u UniGroupPageOf[{len(page_of)}]", (f"{n}," for n in page_of)),
+          "// Rows of UniGroupTbl indices.",
+          array(f"const Zel8u UniGroupOf[{len(pages)}][{PAGE_SIZE}]",
                 ("{" + ",".join(map(str, page)) + "}," for page in pages)))
 
     blocks = [(re.sub("[ _-]", "", name), first, last) for first, last, name in read_ranges(blocks_path)]

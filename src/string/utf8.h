@@ -24,13 +24,12 @@ struct Utf8Char {
     bool wellFormed;
 };
 
-/// Decodes the multi-byte sequence at p (*p >= 0x80). `available` (at least 1) is the number of
-/// bytes that may be read from p on; a sequence that does not fit is ill-formed.
-inline Utf8Char decodeUtf8Sequence(const Zel8u* p, long available) {
+/// Decodes the sequence of four bytes or more at p (*p >= 0xF0), as decodeUtf8Sequence does.
+inline Utf8Char decodeLongUtf8Sequence(const Zel8u* p, long available) {
     const unsigned lead = *p;
     const Utf8Char illFormed = {static_cast<int>(lead), 1, false};
     const int continuation = __builtin_clz(~(lead << 24)) - 1;
-    if (continuation < 1 || continuation > 5 || continuation >= available) return illFormed;
+    if (continuation > 5 || continuation >= available) return illFormed;
     int value = static_cast<int>(lead) & UTF8_table3[continuation];
     for (int i = 1; i <= continuation; ++i) {
         if ((p[i] & 0xC0) != 0x80) return illFormed;
@@ -39,6 +38,27 @@ inline Utf8Char decodeUtf8Sequence(const Zel8u* p, long available) {
     // Shortest form: the value must not fit a sequence that is one byte shorter.
     if (value <= UTF8_table1[continuation - 1]) return illFormed;
     return {value, continuation + 1, true};
+}
+
+/// Decodes the multi-byte sequence at p (*p >= 0x80). `available` (at least 1) is the number of
+/// bytes that may be read from p on; a sequence that does not fit is ill-formed. Nothing is read
+/// behind a byte that ends the sequence early: terminated text has no more.
+inline Utf8Char decodeUtf8Sequence(const Zel8u* p, long available) {
+    const int lead = *p;
+    if (lead >= 0xF0) return decodeLongUtf8Sequence(p, available);
+    if (lead < 0xE0) {
+        if (lead < 0xC0 + 2 || available < 2) return {lead, 1, false};
+        const int low = p[1] ^ 0x80;
+        if (low > 0x3F) return {lead, 1, false};
+        return {((lead & 0x1F) << 6) | low, 2, true};
+    }
+    if (available < 3) return {lead, 1, false};
+    const int middle = p[1] ^ 0x80;
+    if (middle > 0x3F) return {lead, 1, false};
+    const int low = p[2] ^ 0x80;
+    const int value = ((lead & 0x0F) << 12) | (middle << 6) | low;
+    if (low > 0x3F || value <= UTF8_table1[1]) return {lead, 1, false};
+    return {value, 3, true};
 }
 
 /// Decodes the character at p.

@@ -22,6 +22,8 @@ const std::vector<std::vector<std::string>> alphabets = {
     {"a", "b", "c", "d", "e", "f", "-", "]", "^", "9"},
     {"x", "\r", "\t", "\x0B", "\x0C", " "},
     {"Σ", "σ", "ς", "a"},
+    {"а", "я", "ё", "Ж", "-"},
+    {"п", "р", "\xD0", "字", "あ"},
     {"\xF0\x90\x90\x80", "\xF0\x90\x90\xA8", "\xF3\xA0\x87\xB0", "\xF4\x8F\xBF\xBD"},
 };
 
@@ -143,6 +145,7 @@ PatternSource::Part PatternSource::property() {
         {"Common", " "},
         {"Inherited", "\xCC\x81"},
         {"Cyrillic", "ж"},
+        {"InCyrillic", "ё"},
         {"Cs", "a"},
         {"Lm", "ʰ"},
         {"So", "😀"},
@@ -206,7 +209,11 @@ PatternSource::Part PatternSource::classMember() {
                                           {"\\0-\\x{FFFFFFFF}", "x"},
                                           {"à-ö", "é"},
                                           {" -~", "k"},
-                                          {"Α-Ω", "σ"}};
+                                          {"Α-Ω", "σ"},
+                                          {"а-я", "ё"},
+                                          {"а-яё", "ж"},
+                                          {"А-я", "Ж"},
+                                          {"一-龥", "字"}};
             return random_.pick(ranges);
         }
         default:

@@ -12,8 +12,6 @@
 namespace zel {
 namespace {
 
-constexpr int kLastCodePoint = 0x10FFFF;
-
 TEST(Unicode, EntriesAscendFromFirstToLastRow) {
     EXPECT_EQ(UniTbl[0].codePoint, 0u);
     EXPECT_EQ(UniTbl[0].category, 0x2001u);
@@ -95,7 +93,7 @@ TEST(Unicode, UniformRangesAreTheTenKnownOnes) {
 TEST(Unicode, LookupsAgreeWithAPlainScanForEveryCodePoint) {
     int row = 0;  // the first row whose code point is not below c: a scan that never goes back
     int range = 0;
-    for (int c = 0; c <= kLastCodePoint; ++c) {
+    for (int c = 0; c <= static_cast<int>(kLastCodePoint); ++c) {
         const Zel32u u = static_cast<Zel32u>(c);
         while (row < kUniTblSize && UniTbl[row].codePoint < u) ++row;
         while (range < kUniRangeTblSize && UniRangeTbl[range].last < u) ++range;
@@ -110,8 +108,42 @@ TEST(Unicode, LookupsAgreeWithAPlainScanForEveryCodePoint) {
     }
 }
 
+TEST(Unicode, GroupsTellPlaceCategoryAndLeadBytesOfEveryCodePoint) {
+    uint64_t leads[kUniGroupCount] = {};
+    for (int c = 0; c <= static_cast<int>(kLastCodePoint); ++c) {
+        const int number = findUniGroup(c);
+        ASSERT_LT(number, kUniGroupCount) << std::hex << c;
+        const UniGroup& group = UniGroupTbl[number];
+        const UniEntry* entry = findUniEntry(c);
+        const UniRange* uniform = findUniRange(c);
+        const bool beyond = c > kUniTblLast;
+        if (entry != nullptr) {
+            ASSERT_EQ(group.place, UniGroup::kListed) << std::hex << c;
+            ASSERT_EQ(group.category, entry->category) << std::hex << c;
+        } else if (uniform != nullptr) {
+            ASSERT_EQ(group.place, beyond ? UniGroup::kUniformBeyond : UniGroup::kUniform);
+            ASSERT_EQ(group.category, uniform->category) << std::hex << c;
+        } else {
+            ASSERT_EQ(group.place, beyond ? UniGroup::kBeyond : UniGroup::kAbsent) << std::hex << c;
+            ASSERT_EQ(group.category, 0u) << std::hex << c;
+        }
+        const int lead = c < 0x80      ? 0
+                         : c < 0x800   ? 0xC0 | c >> 6
+                         : c < 0x10000 ? 0xE0 | c >> 12
+                                       : 0xF0 | c >> 18;
+        if (lead != 0) leads[number] |= uint64_t{1} << (lead - 0xC0);
+    }
+    for (int lead = 0xF4; lead < 0xFE; ++lead) {
+        leads[kUniGroupCount - 1] |= uint64_t{1} << (lead - 0xC0);  // of values above
+    }
+    for (int number = 0; number < kUniGroupCount; ++number) {
+        EXPECT_EQ(UniGroupTbl[number].leads, leads[number]) << number;
+    }
+}
+
 TEST(Unicode, LookupsAcceptAnyValue) {
-    for (int c : {-1, -128, INT32_MIN, kLastCodePoint + 1, INT32_MAX}) {
+    for (int c : {-1, -128, INT32_MIN, static_cast<int>(kLastCodePoint) + 1, INT32_MAX}) {
+        EXPECT_EQ(UniGroupTbl[findUniGroup(c)].place, UniGroup::kBeyond) << c;
         EXPECT_EQ(findUniEntry(c), nullptr) << c;
         EXPECT_EQ(findUniRange(c), nullptr) << c;
     }

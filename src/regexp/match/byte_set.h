@@ -8,13 +8,25 @@
 
 namespace zel {
 
+/// A bit for each number of [base, base + 64) from first to last.
+constexpr uint64_t bitsBetween(unsigned first, unsigned last, unsigned base) {
+    if (first > last || last < base || first > base + 63) return 0;
+    const unsigned low = first > base ? first - base : 0;
+    const unsigned high = last - base < 63 ? last - base : 63;
+    return (~uint64_t{0} << low) & (~uint64_t{0} >> (63 - high));
+}
+
 struct ByteSet {
     uint64_t words[4];
 
     constexpr bool has(Zel8u byte) const { return (words[byte >> 6] >> (byte & 63)) & 1; }
     constexpr void add(unsigned byte) { words[byte >> 6] |= uint64_t{1} << (byte & 63); }
+    /// Adds the bytes from first to last; there may be none, and numbers that are no bytes.
     constexpr void addRange(unsigned first, unsigned last) {
-        for (unsigned byte = first; byte <= last; ++byte) add(byte);
+        for (unsigned w = 0; w < 4; ++w) words[w] |= bitsBetween(first, last, 64 * w);
+    }
+    constexpr void addAll(const ByteSet& other) {
+        for (int w = 0; w < 4; ++w) words[w] |= other.words[w];
     }
     constexpr void invert() {
         for (uint64_t& word : words) word = ~word;
@@ -26,6 +38,15 @@ struct ClassSet {
     enum Wide : int { kNoWide, kAllWide, kTestWide };
     ByteSet bytes;
     Wide wide;  // characters of two or more bytes: none, all, or member by member
+    // For kTestWide: outside [first, last] all of them are treated alike.
+    bool elsewhere;
+    Zel32u first;
+    Zel32u last;
+    // The answers for the characters of two bytes, a word for each of the 32 lead bytes: made when
+    // the lead byte has been met `kKnown` times, since few of them are met at all.
+    static constexpr int kKnown = 8;
+    mutable Zel8u met[32];
+    mutable uint64_t answers[32];
 };
 
 /// The classes that a search has met, looked up by the index of their head node. Filled on first

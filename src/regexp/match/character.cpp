@@ -1,7 +1,4 @@
-// One character against one node. The rules of the Unicode kinds are written out as they stand,
-// with their asymmetries: a range that holds the code point without matching does not decide, code
-// points beyond the table are in no category, and those absent from it are in the unassigned one
-// alone.
+// One character against one node. What categories mean stands in category.h.
 #include "regexp/match/character.h"
 
 #include "regexp/unicode/unicode.h"
@@ -9,11 +6,6 @@
 namespace zel {
 
 namespace {
-
-constexpr Zel32u kMajorMask = 0xFFFFFF80;
-constexpr Zel32u kMinorMask = 0x7F;
-constexpr Zel32u kMark = 0x100;
-constexpr Zel32u kUnassigned = 0x2010;
 
 bool beyondTable(int codePoint) {
     return codePoint > kUniTblLast;
@@ -25,36 +17,6 @@ int fold(int codePoint) {
     if (beyondTable(codePoint)) return 0;
     const UniEntry* entry = findUniEntry(codePoint);
     return entry != nullptr && entry->lower != 0 ? static_cast<int>(entry->lower) : codePoint;
-}
-
-bool inCategory(int codePoint, Zel32u mask, bool negated) {
-    if (const UniRange* range = findUniRange(codePoint)) {
-        const Zel32u bits = range->category;
-        if (negated ? (mask & ~bits) != 0 : (bits & mask) == mask) return true;
-    }
-    if (beyondTable(codePoint)) return false;
-    const UniEntry* entry = findUniEntry(codePoint);
-    if (entry == nullptr) return mask == kUnassigned;
-    const bool sameMajor = (entry->category & kMajorMask) == (mask & kMajorMask);
-    const bool wholeMajor = (mask & kMinorMask) == 0;
-    const bool sharesMinor = (entry->category & mask & kMinorMask) != 0;
-    return (sameMajor && (wholeMajor || sharesMinor)) != negated;
-}
-
-bool isMark(int codePoint) {
-    if (const UniRange* range = findUniRange(codePoint)) {
-        if ((range->category & kMark) != 0) return true;
-    }
-    const UniEntry* entry = findUniEntry(codePoint);
-    return entry != nullptr && (entry->category & kMajorMask) == kMark;
-}
-
-bool isBase(int codePoint) {
-    if (const UniRange* range = findUniRange(codePoint)) {
-        if ((range->category & kMark) == 0) return true;
-    }
-    const UniEntry* entry = findUniEntry(codePoint);
-    return entry != nullptr && (entry->category & kMajorMask) != kMark;
 }
 
 /// Decodes for combining sequences, where an ill-formed byte is negative and so neither base nor
@@ -86,48 +48,15 @@ bool rangeAccepts(const Node& range, int codePoint, int length, bool ignoreCase)
            (mappingBetween(entry->upper, range) || mappingBetween(entry->lower, range));
 }
 
-bool memberAccepts(const Node& member, const Zel8u* text, int codePoint, int length, Zel32u flags) {
-    const bool ignoreCase = (flags & kOptionIgnoreCase) != 0;
-    switch (member.kind) {
-        case NodeLetter:
-            if (codePoint == member.value) return true;
-            return ignoreCase && codePoint < 0x80 && isAsciiLetter(static_cast<Zel8u>(codePoint)) &&
-                   (codePoint ^ member.value) == 0x20;
-        case NodeRange:
-            return rangeAccepts(member, codePoint, length, ignoreCase);
-        case NodeLetterRange:
-            return shorthandBytes(member.value, flags).has(*text);
-        case NodeCombLetter:
-            return isBase(length == 1 && codePoint >= 0x80 ? codePoint - 0x100 : codePoint);
-        default:
-            return acceptsCodePoint(member, codePoint, flags);
-    }
-}
-
-/// Whether a class member decides characters of several bytes without looking at them.
-bool acceptsNoWide(const Node& member) {
-    switch (member.kind) {
-        case NodeLetter:
-            return member.value < 0x80 && member.extra >= 0;
-        case NodeRange:
-            return static_cast<Zel32u>(member.count) < 0x80 && member.extra >= 0;
-        case NodeLetterRange:
-            return (member.value == 'd' || member.value == 's' || member.value == 'w') &&
-                   member.extra >= 0;
-        default:
-            return false;
-    }
-}
-
 }  // namespace
 
 bool acceptsCodePoint(const Node& node, int codePoint, Zel32u flags) {
     switch (node.kind) {
         case NodeLetterUtf8:
-            if ((flags & kOptionIgnoreCase) != 0) return fold(codePoint) == fold(node.value);
-            return codePoint == node.value;
+            if (codePoint == node.value) return true;
+            return (flags & kOptionIgnoreCase) != 0 && fold(codePoint) == fold(node.value);
         case NodeUnicodeCategory:
-            return inCategory(codePoint, static_cast<Zel32u>(node.value), node.count != 0);
+            return inGroups(acceptedGroups(node), codePoint);
         case NodeUnicodeProperty:
             return between(codePoint, node) != (node.extra != 0);
         case NodeUnicodeScript:
@@ -138,30 +67,26 @@ bool acceptsCodePoint(const Node& node, int codePoint, Zel32u flags) {
     }
 }
 
-int matchCodePoint(const Node& node, const Zel8u* text, const Zel8u* end, Zel32u flags) {
-    const Utf8Char character = decodeUtf8(text, end - text);
-    return acceptsCodePoint(node, character.value, flags) ? character.length : 0;
-}
-
 int measureCombiningSequence(const Zel8u* text, const Zel8u* end) {
     const Zel8u* next = text + utf8Length(text, end - text);
     while (next < end) {
         const Utf8Char character = decodeSigned(next, end);
-        if (!isMark(character.value)) break;
+        if (!inGroups(kMarks, character.value)) break;
         next += character.length;
     }
     return static_cast<int>(next - text);
 }
 
 int matchCombiningSequence(const Zel8u* text, const Zel8u* end) {
-    return isBase(decodeSigned(text, end).value) ? measureCombiningSequence(text, end) : 0;
+    return inGroups(kBases, decodeSigned(text, end).value) ? measureCombiningSequence(text, end)
+                                                           : 0;
 }
 
 int previousSequenceLength(const Zel8u* text, const Zel8u* start) {
     const Zel8u* base = text;
     do {
         base -= previousLength(base, start);
-    } while (base > start && isMark(decodeSigned(base, text).value));
+    } while (base > start && inGroups(kMarks, decodeSigned(base, text).value));
     return static_cast<int>(text - base);
 }
 
@@ -177,7 +102,26 @@ int matchCharacter(const Node& node, const Zel8u* text, const Zel8u* end, Zel32u
         case NodeCombLetter:
             return matchCombiningSequence(text, end);
         default:
-            return matchCodePoint(node, text, end, flags);
+            return CodePointMatcher(node, end, flags)(text);
+    }
+}
+
+bool memberAccepts(const Node& member, const Zel8u* text, int codePoint, int length, Zel32u flags) {
+    const bool ignoreCase = (flags & kOptionIgnoreCase) != 0;
+    switch (member.kind) {
+        case NodeLetter:
+            if (codePoint == member.value) return true;
+            return ignoreCase && codePoint < 0x80 && isAsciiLetter(static_cast<Zel8u>(codePoint)) &&
+                   (codePoint ^ member.value) == 0x20;
+        case NodeRange:
+            return rangeAccepts(member, codePoint, length, ignoreCase);
+        case NodeLetterRange:
+            return shorthandBytes(member.value, flags).has(*text);
+        case NodeCombLetter:
+            return inGroups(kBases,
+                            length == 1 && codePoint >= 0x80 ? codePoint - 0x100 : codePoint);
+        default:
+            return acceptsCodePoint(member, codePoint, flags);
     }
 }
 
@@ -189,53 +133,6 @@ bool classAccepts(const Node& head, const Zel8u* text, int codePoint, int length
         accepted = memberAccepts(member, text, codePoint, length, flags) != (member.extra < 0);
     }
     return accepted != (head.value < 0);
-}
-
-void buildClassSet(const Node& head, Zel32u flags, ClassSet& set) {
-    set.bytes = ByteSet{};
-    set.wide = ClassSet::kNoWide;
-    const bool ignoreCase = (flags & kOptionIgnoreCase) != 0;
-    bool simple = true;
-    bool foldsWide = false;  // a range may hold a mapping of a character of several bytes
-    for (int i = 1; i <= head.count && simple; ++i) {
-        const Node& member = (&head)[i];
-        simple = acceptsNoWide(member);
-        if (!simple) break;
-        if (member.kind == NodeLetter) {
-            const unsigned letter = static_cast<unsigned>(member.value);
-            set.bytes.add(letter);
-            if (ignoreCase && isAsciiLetter(static_cast<Zel8u>(letter)))
-                set.bytes.add(letter ^ 0x20);
-        } else if (member.kind == NodeRange) {
-            set.bytes.addRange(static_cast<unsigned>(member.value),
-                               static_cast<unsigned>(member.count));
-            if (ignoreCase) {
-                foldsWide = true;
-                for (int c = member.value; c <= member.count; ++c) {
-                    if (isAsciiLetter(static_cast<Zel8u>(c ^ 0x20))) {
-                        set.bytes.add(static_cast<unsigned>(c ^ 0x20));
-                    }
-                }
-            }
-        } else {
-            const ByteSet& bytes = shorthandBytes(member.value, flags);
-            for (int w = 0; w < 4; ++w) set.bytes.words[w] |= bytes.words[w];
-        }
-    }
-    if (simple) {
-        if (head.value < 0) {
-            set.bytes.invert();
-            set.wide = ClassSet::kAllWide;
-        }
-        if (foldsWide) set.wide = ClassSet::kTestWide;
-        return;
-    }
-    set.bytes = ByteSet{};
-    set.wide = ClassSet::kTestWide;
-    for (int c = 0; c < 256; ++c) {
-        const Zel8u byte = static_cast<Zel8u>(c);
-        if (classAccepts(head, &byte, c, 1, flags)) set.bytes.add(static_cast<unsigned>(c));
-    }
 }
 
 bool hasCaptures(const Node* nodes, int open) {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "regexp/match/byte_set.h"
+#include "regexp/match/category.h"
 #include "regexp/match/predicates.h"
 #include "regexp/program.h"
 #include "string/utf8.h"
@@ -15,12 +16,36 @@ namespace zel {
 /// accepts it, else 0. For NodeCombLetter the character includes its combining marks.
 int matchCharacter(const Node& node, const Zel8u* text, const Zel8u* end, Zel32u flags);
 
-/// matchCharacter for the kinds of node that compare code points: NodeLetterUtf8 and the Unicode
-/// kinds.
-int matchCodePoint(const Node& node, const Zel8u* text, const Zel8u* end, Zel32u flags);
-
-/// Whether a code-point node accepts a code point.
+/// Whether a code-point node, NodeLetterUtf8 or one of the Unicode kinds, accepts a code point.
 bool acceptsCodePoint(const Node& node, int codePoint, Zel32u flags);
+
+/// The groups of code points that a category node accepts.
+inline UniGroups acceptedGroups(const Node& category) {
+    return groupsInCategory(static_cast<Zel32u>(category.value), category.count != 0);
+}
+
+/// matchCharacter for code-point nodes, prepared for a run.
+struct CodePointMatcher {
+    const Node& node;
+    const Zel8u* end;
+    Zel32u flags;
+    bool isCategory;
+    UniGroups groups;
+
+    CodePointMatcher(const Node& theNode, const Zel8u* theEnd, Zel32u theFlags)
+        : node(theNode),
+          end(theEnd),
+          flags(theFlags),
+          isCategory(node.kind == NodeUnicodeCategory),
+          groups(isCategory ? acceptedGroups(node) : 0) {}
+
+    int operator()(const Zel8u* text) const {
+        const Utf8Char character = decodeUtf8(text, end - text);
+        const bool accepted = isCategory ? inGroups(groups, character.value)
+                                         : acceptsCodePoint(node, character.value, flags);
+        return accepted ? character.length : 0;
+    }
+};
 
 /// Length of the combining sequence at `text`, or 0 when its first character cannot be a base.
 int matchCombiningSequence(const Zel8u* text, const Zel8u* end);
@@ -31,11 +56,17 @@ int measureCombiningSequence(const Zel8u* text, const Zel8u* end);
 /// Length of the combining sequence that ends at `text`; it begins behind `start`.
 int previousSequenceLength(const Zel8u* text, const Zel8u* start);
 
-/// Whether a bracket class accepts a character. `length` is its length in bytes.
+/// Whether a bracket class, or one of its members, accepts a character. `length` is its length in
+/// bytes. A member that is inverted is not inverted here.
+bool memberAccepts(const Node& member, const Zel8u* text, int codePoint, int length, Zel32u flags);
 bool classAccepts(const Node& head, const Zel8u* text, int codePoint, int length, Zel32u flags);
 
+// class_set.cpp
 /// Builds the set form of a bracket class.
 void buildClassSet(const Node& head, Zel32u flags, ClassSet& set);
+/// classAccepts for a character of two bytes; notes in the set that its lead byte was met.
+bool learnClassAnswer(const Node& head, const Zel8u* text, int codePoint, Zel32u flags,
+                      const ClassSet& set);
 
 /// Length of the character that ends at `text`, in text that begins at `start`, a character
 /// boundary. The bytes inside a well-formed sequence are never lead bytes, so looking back from a

@@ -42,14 +42,24 @@ struct ClassMatcher {
 
     int operator()(const Zel8u* text) const {
         if (*text < 0x80 || !utf8) return set.bytes.has(*text);
+        const unsigned lead = *text - 0xC0u;
+        if (lead < 32 && set.met[lead] == ClassSet::kKnown && end - text > 1) {
+            const unsigned low = text[1] ^ 0x80u;
+            if (low > 0x3F) return set.bytes.has(*text);
+            return ((set.answers[lead] >> low) & 1) != 0 ? 2 : 0;
+        }
         const Utf8Char character = decodeUtf8Sequence(text, end - text);
         if (character.length == 1) return set.bytes.has(*text);
-        if (set.wide == ClassSet::kNoWide) return 0;
-        if (set.wide == ClassSet::kTestWide &&
-            !classAccepts(head, text, character.value, character.length, flags)) {
-            return 0;
-        }
-        return character.length;
+        return acceptsWide(character.value, text, character.length) ? character.length : 0;
+    }
+
+private:
+    bool acceptsWide(int codePoint, const Zel8u* text, int length) const {
+        if (set.wide != ClassSet::kTestWide) return set.wide == ClassSet::kAllWide;
+        const Zel32u c = static_cast<Zel32u>(codePoint);
+        if (c < set.first || c > set.last) return set.elsewhere;
+        if (length == 2) return learnClassAnswer(head, text, codePoint, flags, set);
+        return classAccepts(head, text, codePoint, length, flags);
     }
 };
 

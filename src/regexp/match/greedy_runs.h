@@ -94,13 +94,9 @@ inline Walk::Step Walk::runGreedy(const Node& node, const Node& quantifier, int 
         case NodeCombLetter:
             takeAll([end](const Zel8u* at) { return matchCombiningSequence(at, end); });
             return pushRun(Choice::kRunOfSequences, rest, run.count, run.offset, min);
-        default: {
-            const Zel32u flags = context.flags;
-            takeAll([&node, end, flags](const Zel8u* at) {
-                return matchCodePoint(node, at, end, flags);
-            });
+        default:
+            takeAll(CodePointMatcher(node, end, context.flags));
             return pushRun(Choice::kRunOfCharacters, rest, run.count, run.offset, min);
-        }
     }
 }
 

@@ -29,12 +29,8 @@ int repetitionLimit(const RegExpMatchContext& context, int length) {
     return max < length ? max : length;
 }
 
-auto codePointMatcher(const RegExpMatchContext& context) {
-    const Node& node = context.nodes[context.node];
-    const Zel8u* end = context.textEnd;
-    const Zel32u flags = context.flags;
-    return
-        [&node, end, flags](const Zel8u* text) { return matchCodePoint(node, text, end, flags); };
+CodePointMatcher codePointMatcher(const RegExpMatchContext& context) {
+    return {context.nodes[context.node], context.textEnd, context.flags};
 }
 
 /// Whether the node behind the quantifier is a single letter or Unicode kind and case counts.

@@ -2,7 +2,8 @@
 // two-stage index leads from any code point to its entry with two loads. The first stage maps pages
 // of 128 code points to distinct rows of entry numbers, most pages sharing the empty row; the page
 // size is chosen so that a page touches at most one uniform range, which makes finding a range one
-// load and one comparison. The pairs of a script are few; a binary search is enough there.
+// load and one comparison. What the category tests want to know has an index of its own, of bytes.
+// The pairs of a script are few; a binary search is enough there.
 //
 // Names of blocks and scripts are found as a scan in table order would find them, over only those
 // rows that share a letter with the name.
@@ -16,16 +17,17 @@ namespace zel {
 
 #include "regexp/unicode/blocks_tables.inc"
 #include "regexp/unicode/characters_tables.inc"
+#include "regexp/unicode/group_pages_tables.inc"
 
 namespace {
 
 #include "regexp/unicode/pages_tables.inc"
 #include "regexp/unicode/scripts_tables.inc"
 
-constexpr Zel32u kLastCodePoint = 0x10FFFF;
 static_assert(sizeof kPageOf == (kLastCodePoint >> kPageBits) + 1);
 static_assert(sizeof kRangeOf == sizeof kPageOf);
 static_assert(UniTbl[kUniTblSize - 1].codePoint == kUniTblLast);
+static_assert(UniGroupTbl[kUniGroupCount - 1].place == UniGroup::kBeyond);
 
 }  // namespace
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <stddef.h>
+#include <stdint.h>
 
 #include "zelchmx.h"
 
@@ -56,6 +57,37 @@ extern const UniRange UniRangeTbl[kUniRangeTblSize];
 extern const UniBlock UniBlockTbl[kUniBlockTblSize];
 /// In the order in which names are tried.
 extern const UniScript UniScriptTbl[kUniScriptCount];
+
+/// Code points that every category test answers alike form a group: where they stand, and the
+/// category they stand there with.
+struct UniGroup {
+    enum Place : int {
+        kListed,         // in UniTbl
+        kUniform,        // in UniRangeTbl
+        kUniformBeyond,  // in UniRangeTbl, and beyond the table
+        kAbsent,         // in neither
+        kBeyond,         // in neither, and beyond the table
+    };
+    Place place;
+    Zel32u category;
+    uint64_t leads;  // bit b: a character of several bytes may begin with byte 0xC0 + b
+};
+
+#include "regexp/unicode/groups_tables.inc"
+
+inline constexpr int kUniGroupCount = sizeof UniGroupTbl / sizeof UniGroupTbl[0];
+inline constexpr int kUniGroupPageBits = 7;
+inline constexpr Zel32u kLastCodePoint = 0x10FFFF;
+extern const Zel8u UniGroupPageOf[(kLastCodePoint >> kUniGroupPageBits) + 1];
+extern const Zel8u UniGroupOf[][1 << kUniGroupPageBits];
+
+/// The UniGroupTbl row of a code point. Constant time, any value accepted: what is no code point is
+/// beyond the table.
+inline int findUniGroup(int codePoint) {
+    const Zel32u c = static_cast<Zel32u>(codePoint);
+    if (c > kLastCodePoint) return kUniGroupCount - 1;
+    return UniGroupOf[UniGroupPageOf[c >> kUniGroupPageBits]][c & ((1u << kUniGroupPageBits) - 1)];
+}
 
 /// The UniTbl entry of a code point, or null when it has none. Constant time, any value accepted;
 /// a negative value has no entry.

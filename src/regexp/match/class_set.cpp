@@ -1,0 +1,178 @@
+// The set form of a bracket class. It is made at every search that meets the class, so what can be
+// had without asking members about single characters is: words of bits for letters, ranges and
+// shorthands, and for characters of several bytes the bounds outside of which no member looks at
+// them.
+#include "regexp/match/character.h"
+#include "regexp/unicode/unicode.h"
+
+namespace zel {
+
+namespace {
+
+constexpr Zel32u kLastValue = 0x7FFFFFFF;
+
+/// Characters of several bytes that a member has to look at, those from `first` to `last`; whether
+/// it accepts the others.
+struct Span {
+    Zel32u first;
+    Zel32u last;
+    bool elsewhere;
+};
+constexpr Span kNowhere = {1, 0, false};
+constexpr Span kAnywhere = {0, kLastValue, false};
+
+bool isInverted(const Node& node) {
+    // Only all bits set inverts; the extra of the Unicode kinds means something else to them.
+    return node.extra < 0;
+}
+
+Zel32u low(const Node& range) {
+    return static_cast<Zel32u>(range.value);
+}
+Zel32u high(const Node& range) {
+    return static_cast<Zel32u>(range.count);
+}
+
+/// One of 64 characters after the other: those with a code point from `base` on.
+template <typename Test>
+uint64_t bitsThat(unsigned base, const Test& test) {
+    uint64_t bits = 0;
+    for (unsigned i = 0; i < 64; ++i) {
+        if (test(base + i)) bits |= uint64_t{1} << i;
+    }
+    return bits;
+}
+
+ByteSet oneByteCharacters(const Node& member, Zel32u flags) {
+    const bool ignoreCase = (flags & kOptionIgnoreCase) != 0;
+    ByteSet set = {};
+    switch (member.kind) {
+        case NodeLetter: {
+            const Zel8u letter = static_cast<Zel8u>(member.value);
+            set.add(letter);
+            if (ignoreCase && isAsciiLetter(letter)) set.add(letter ^ 0x20u);
+            return set;
+        }
+        case NodeRange:
+            set.addRange(low(member), high(member));
+            if (!ignoreCase) return set;
+            if (high(member) < 0x100) {
+                // The range's letters, with bit 0x20 inverted.
+                constexpr uint64_t kLetters = 0x07FFFFFE;
+                const uint64_t letters = set.words[1];
+                set.words[1] |= ((letters & kLetters) << 32) | ((letters & (kLetters << 32)) >> 32);
+                return set;
+            }
+            break;
+        case NodeLetterRange:
+            return shorthandBytes(member.value, flags);
+        case NodeLetterUtf8:
+            if (ignoreCase) break;
+            set.addRange(low(member), low(member));
+            return set;
+        case NodeUnicodeProperty:
+            set.addRange(low(member), high(member));
+            if (member.extra != 0) set.invert();
+            return set;
+        default:
+            break;
+    }
+    for (unsigned w = 0; w < 4; ++w) {
+        set.words[w] = bitsThat(64 * w, [&](unsigned c) {
+            const Zel8u byte = static_cast<Zel8u>(c);
+            return memberAccepts(member, &byte, byte, 1, flags);
+        });
+    }
+    return set;
+}
+
+Span wideSpan(const Node& member, Zel32u flags) {
+    const bool ignoreCase = (flags & kOptionIgnoreCase) != 0;
+    switch (member.kind) {
+        case NodeLetter:
+            if (low(member) < 0x80) return kNowhere;
+            return {low(member), low(member), false};
+        case NodeRange:
+            if (ignoreCase) return kAnywhere;  // a mapping may lie in the range
+            if (high(member) < 0x80) return kNowhere;
+            return {low(member), high(member), false};
+        case NodeLetterRange:
+            return {1, 0, shorthandBytes(member.value, flags).has(0xC0)};
+        case NodeLetterUtf8:
+            if (ignoreCase) return kAnywhere;
+            return {low(member), low(member), false};
+        case NodeUnicodeProperty:
+            return {low(member), high(member), member.extra != 0};
+        default:
+            return kAnywhere;
+    }
+}
+
+/// What a member says to the 64 characters of two bytes that begin with a lead byte.
+uint64_t twoByteCharacters(const Node& member, Zel8u lead, Zel32u flags) {
+    const unsigned base = (lead & 0x1Fu) << 6;
+    const Span span = wideSpan(member, flags);
+    const bool isLooking = span.first <= base + 63 && span.last >= base;
+    if (!isLooking || span.first > span.last) return span.elsewhere ? ~uint64_t{0} : 0;
+    if (span.last < kLastValue) {  // all that lie in the span are treated alike
+        const uint64_t bits = bitsBetween(span.first, span.last, base);
+        return span.elsewhere ? ~bits : bits;
+    }
+    return bitsThat(base, [&](unsigned c) {
+        return memberAccepts(member, &lead, static_cast<int>(c), 2, flags);
+    });
+}
+
+}  // namespace
+
+void buildClassSet(const Node& head, Zel32u flags, ClassSet& set) {
+    set.bytes = ByteSet{};
+    Span all = kNowhere;
+    for (int i = 1; i <= head.count; ++i) {
+        const Node& member = (&head)[i];
+        ByteSet bytes = oneByteCharacters(member, flags);
+        Span span = wideSpan(member, flags);
+        if (isInverted(member)) {
+            bytes.invert();
+            span.elsewhere = !span.elsewhere;
+        }
+        set.bytes.addAll(bytes);
+        all.elsewhere = all.elsewhere || span.elsewhere;
+        if (span.first > span.last) continue;
+        const bool isFirst = all.first > all.last;
+        if (isFirst || span.first < all.first) all.first = span.first;
+        if (isFirst || span.last > all.last) all.last = span.last;
+    }
+    if (head.value < 0) {
+        set.bytes.invert();
+        all.elsewhere = !all.elsewhere;
+    }
+    set.elsewhere = all.elsewhere;
+    set.first = all.first;
+    set.last = all.last;
+    set.wide = all.elsewhere ? ClassSet::kAllWide : ClassSet::kNoWide;
+    if (all.first <= all.last) set.wide = ClassSet::kTestWide;
+    for (Zel8u& count : set.met) count = 0;
+}
+
+bool learnClassAnswer(const Node& head, const Zel8u* text, int codePoint, Zel32u flags,
+                      const ClassSet& set) {
+    const Zel8u lead = *text;
+    Zel8u& met = set.met[lead & 0x1F];
+    if (met + 1 < ClassSet::kKnown) {
+        ++met;
+        return classAccepts(head, text, codePoint, 2, flags);
+    }
+    uint64_t answers = 0;
+    for (int i = 1; i <= head.count; ++i) {
+        const Node& member = (&head)[i];
+        const uint64_t bits = twoByteCharacters(member, lead, flags);
+        answers |= isInverted(member) ? ~bits : bits;
+    }
+    if (head.value < 0) answers = ~answers;
+    set.answers[lead & 0x1F] = answers;
+    met = ClassSet::kKnown;
+    return ((answers >> (text[1] & 0x3F)) & 1) != 0;
+}
+
+}  // namespace zel
