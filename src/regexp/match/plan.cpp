@@ -372,6 +372,7 @@ bool Planner::planDoubled(const Lead& lead, Plan& plan) const {
     if (close + 1 >= count_ || nodes_[close + 1].kind != NodeBackReference) return false;
     if (nodes_[close + 1].value != opening.extra || quantifier(close + 2) != nullptr) return false;
     plan.kind = Plan::kDoubled;
+    plan.exact = false;
     plan.price = lead.price + 3;
     return true;
 }

@@ -1,0 +1,208 @@
+// Searches that plan, against the model, which does not: for every kind of plan, patterns that lead
+// to it and texts long enough for it to be drawn up, made of what the patterns look for and what
+// comes close. The comparison covers the exact budget on both sides, and with it the exchange of
+// the upper bound that a plan pays for the search that tries every position.
+#include <gtest/gtest.h>
+#include <limits.h>
+
+#include <string>
+#include <vector>
+
+#include "random.h"
+#include "regexp/match/plan.h"
+#include "regexp_case.h"
+#include "report.h"
+
+namespace differential {
+namespace {
+
+using zel::Plan;
+
+struct PlannedPattern {
+    const char* pattern;
+    const char* options;
+    Plan::Kind kind;
+};
+
+// In the order of the kinds; the last ones are those for which there is no plan.
+const PlannedPattern kPlanned[] = {
+    {"signal[a-z]", "", Plan::kLiteral},
+    {"signal[a-z]", "i", Plan::kLiteral},
+    {"(?<!un)signed\\b", "", Plan::kLiteral},
+    {"((ab)c)\\w", "", Plan::kLiteral},
+    {"error(?! message)", "", Plan::kLiteral},
+    {"(?<==)\\w+", "", Plan::kBehind},
+    {"(?<=ab)[^a]", "", Plan::kBehind},
+    {".*ERROR.*", "", Plan::kLine},
+    {".+b\\w", "", Plan::kLine},
+    {"\"[^\"\\n]*\"", "", Plan::kBytes},
+    {"[xy]\\d", "", Plan::kBytes},
+    {"a?b[cd]", "", Plan::kBytes},
+    {"error|warning|signal|ab", "", Plan::kPrefix},
+    {"(?:error|signal)\\w", "i", Plan::kPrefix},
+    {"[A-Z][a-z]+ [A-Z]", "", Plan::kPrefix},
+    {"\\d\\d\\d", "", Plan::kPrefix},
+    {"[a-f]{2}\\w+?1", "", Plan::kPrefix},
+    {"(\\w)\\1", "", Plan::kDoubled},
+    {"(\\w+)=(\\w+)", "", Plan::kRun},
+    {"[\\w.+-]+@[\\w-]+\\.[\\w.-]+", "", Plan::kRun},
+    {"\\d{1,3}\\.\\d{1,3}", "", Plan::kRun},
+    {"\\d{4}-\\d{2}", "", Plan::kRun},
+    {"\\w+(?=\\()", "", Plan::kRun},
+    {"\\b(\\w+) \\1\\b", "", Plan::kRun},
+    {"(?:\\w+::)+\\w", "", Plan::kRun},
+    {"(([a-z]+)-([a-z]+))", "", Plan::kRun},
+    {"\\w{3,}=", "", Plan::kRun},
+    {"[a-z]+ing\\b", "", Plan::kRunLiteral},
+    {"\\w+ly\\b", "", Plan::kRunLiteral},
+    {"\\w{2,}b\\w", "", Plan::kRunLiteral},
+    {"\\w+\\s+ab\\w+", "", Plan::kRunLiteral},
+    {"[a-z]+ +error[^a]", "", Plan::kRunLiteral},
+    {"[a-z]*\\d", "", Plan::kSet},
+    {"\\p{Lu}\\w", "", Plan::kSet},
+    {"[\xC3\xA9q]*\\d", "", Plan::kSet},
+    {"x*", "", Plan::kNone},
+    {"(?=a|)b?", "", Plan::kNone},
+    {"\\x{3B1}*?\\w", "", Plan::kNone},
+};
+
+// Where only starts of lines are tried.
+const PlannedPattern kPlannedLines[] = {
+    {"^error\\w*", "m", Plan::kLiteral}, {"^(\\w+): (.*)$", "m", Plan::kRun},
+    {"^\\w+=", "m", Plan::kRun},         {"^[^=]+=", "m", Plan::kSet},
+    {"^[A-Z]+.", "m", Plan::kSet},       {"^(?:error|signal)", "im", Plan::kSet},
+};
+
+// Only drawn up by the exact shape of the whole pattern.
+const char* const kPlainRuns[] = {"\\w+", "\\s+", "[^a-m]+", "a+", ".+", "\\W+", "[a-z\xC3\xA9]+"};
+
+const char* const kFragments[] = {"signal",
+                                  "signals",
+                                  "SIGNAL",
+                                  "unsigned",
+                                  "signed",
+                                  "abc",
+                                  "ab",
+                                  "error",
+                                  "error message",
+                                  "errors ",
+                                  "=",
+                                  "key=value",
+                                  " ",
+                                  " ",
+                                  "  ",
+                                  "\n",
+                                  "\n",
+                                  "ERROR",
+                                  "b",
+                                  "\"x y\"",
+                                  "\"",
+                                  "x1",
+                                  "xx",
+                                  "y2",
+                                  "warning",
+                                  "The End",
+                                  "Two Words",
+                                  "123",
+                                  "2024-11",
+                                  "1.2.3",
+                                  "12345",
+                                  "abc1",
+                                  "fe1",
+                                  "letter",
+                                  "word word ",
+                                  "a::b::c",
+                                  "f(x)",
+                                  "run(",
+                                  "me@x.org",
+                                  "a-b",
+                                  "going",
+                                  "ingot",
+                                  "really",
+                                  "only ",
+                                  "bly",
+                                  "tab ab1",
+                                  "\xC3\xA9",
+                                  "\xC3\xA9t\xC3\xA9",
+                                  "\xCE\xB1",
+                                  "\xE2\x82\xAC",
+                                  "\xF0\x9F\x98\x80",
+                                  "\xC3",
+                                  "\xFF",
+                                  "\x80",
+                                  "\xC3\x89x",
+                                  "Key: value",
+                                  "name: x\n",
+                                  "q"};
+
+std::string someText(Random& random) {
+    std::string text;
+    // Few different fragments make texts in which the same thing nearly happens again and again.
+    std::vector<const char*> fragments;
+    constexpr int kAll = static_cast<int>(std::size(kFragments));
+    constexpr std::size_t kFew = 12;
+    while (fragments.size() < kFew) fragments.push_back(kFragments[random.below(kAll)]);
+    const auto length = static_cast<std::size_t>(random.between(30, 330));
+    while (text.size() < length) text += fragments[static_cast<std::size_t>(random.below(kFew))];
+    return text;
+}
+
+Plan::Kind planOf(const PlannedPattern& planned, int format, bool lines) {
+    ZelRegExpState* state = nullptr;
+    int offset = 0;
+    EXPECT_EQ(zelsRegExpInitAlloc(planned.pattern, planned.options, &state, &offset), zelStatusOk);
+    zelsRegExpSetFormat(format, state);
+    Plan plan;
+    zel::makePlan(*state, lines, plan);
+    const Plan::Kind kind = plan.kind;
+    zelsRegExpFree(state);
+    return kind;
+}
+
+void compareOnTexts(const char* pattern, const std::string& options, int texts) {
+    Random random(1, options.size());
+    for (int i = 0; i < texts; ++i) {
+        for (const char* mode : {"", "g"}) {
+            const RegexpCase testCase = {.pattern = pattern,
+                                         .options = options + mode,
+                                         .format = i % 2,
+                                         .limit = i % 3 == 0 ? random.between(100, 3000) : INT_MAX,
+                                         .subject = someText(random),
+                                         .behind = 'a',
+                                         .records = 400};
+            ASSERT_EQ(compare(testCase), "") << testCase.text();
+        }
+    }
+}
+
+constexpr int kTexts = 60;
+
+TEST(Plan, IsOfTheKindThatThePatternAllows) {
+    for (const PlannedPattern& planned : kPlanned) {
+        EXPECT_EQ(planOf(planned, zel::kFormatUtf8, false), planned.kind) << planned.pattern;
+        EXPECT_EQ(planOf(planned, zel::kFormatBytes, false), planned.kind) << planned.pattern;
+    }
+    for (const PlannedPattern& planned : kPlannedLines) {
+        EXPECT_EQ(planOf(planned, zel::kFormatUtf8, true), planned.kind) << planned.pattern;
+    }
+}
+
+TEST(Plan, SearchesAgreeWithTheModelOnLongTexts) {
+    onDeepStack([] {
+        for (const PlannedPattern& planned : kPlanned) {
+            compareOnTexts(planned.pattern, planned.options, kTexts);
+        }
+        for (const PlannedPattern& planned : kPlannedLines) {
+            compareOnTexts(planned.pattern, planned.options, kTexts);
+        }
+    });
+}
+
+TEST(Plan, PlainRunsAgreeWithTheModel) {
+    onDeepStack([] {
+        for (const char* pattern : kPlainRuns) compareOnTexts(pattern, "", kTexts);
+    });
+}
+
+}  // namespace
+}  // namespace differential
