@@ -160,16 +160,21 @@ const Zel8u* Plan::nextRunLiteral(const Zel8u* from, const Zel8u* end) {
 }
 
 int64_t Plan::bill(const Zel8u* from, const Zel8u* to) const {
+    // Of long runs only that they exceed every budget counts.
+    constexpr int64_t kBeyondBudgets = int64_t{1} << 32;
+    const auto runs = [&](const ByteSet& bytes) {
+        const int64_t sum = kernels::sumRuns(from, distance(from, to), bytes.words);
+        return sum < kBeyondBudgets ? sum : kBeyondBudgets;
+    };
     const int length = distance(from, to);
     if (lines) return static_cast<int64_t>(length) * (price + runPrice);
     int64_t sum = static_cast<int64_t>(length) * price;
     if (kind == kLine) sum += 4;
-    if (runPrice != 0) sum += kernels::sumRuns(from, length, first.words) * runPrice;
+    if (runPrice != 0) sum += runs(first) * runPrice;
     if (hasSecond) {
         // Each start has the second run behind its own to give back, too: of runs of m and n bytes
         // that makes m * n, which is no more than the sum of both runs'.
-        sum += kernels::sumRuns(from, length, first.words) +
-               kernels::sumRuns(from, length, second.words);
+        sum += runs(first) + runs(second);
     }
     return sum;
 }
