@@ -153,7 +153,9 @@ Plan::Kind planOf(const PlannedPattern& planned, int format, bool lines) {
     EXPECT_EQ(zelsRegExpInitAlloc(planned.pattern, planned.options, &state, &offset), zelStatusOk);
     zelsRegExpSetFormat(format, state);
     Plan plan;
-    zel::makePlan(*state, lines, plan);
+    zel::StackGuard stack;
+    stack.start();
+    zel::makePlan(*state, lines, stack, plan);
     const Plan::Kind kind = plan.kind;
     zelsRegExpFree(state);
     return kind;

@@ -162,8 +162,8 @@ const Zel8u* Plan::nextRunLiteral(const Zel8u* from, const Zel8u* end) {
 int64_t Plan::bill(const Zel8u* from, const Zel8u* to) const {
     // Of long runs only that they exceed every budget counts.
     constexpr int64_t kBeyondBudgets = int64_t{1} << 32;
-    const auto runs = [&](const ByteSet& bytes) {
-        const int64_t sum = kernels::sumRuns(from, distance(from, to), bytes.words);
+    const auto runs = [&](const ByteSet& set) {
+        const int64_t sum = kernels::sumRuns(from, distance(from, to), set.words);
         return sum < kBeyondBudgets ? sum : kBeyondBudgets;
     };
     const int length = distance(from, to);
