@@ -13,10 +13,15 @@
 //     between; then a line without that literal matches nothing, whatever its block holds.
 //   - A leading "^" with a quantifier still ties a search in multi-line mode to the starts of
 //   lines.
+//   - Nothing here refers to a group, so the groups of a block's pattern need not capture. Without
+//   a
+//     lazy repetition, which may make a match look longer than it is, and without parts that match
+//     a newline, a search for all matches then reports one in each line that has any.
 //   - Lazy repetitions of \p pass over characters that do not fit, newlines included.
 #include "block_plan.h"
 
 #include <cstddef>
+#include <utility>
 
 namespace zelgrep {
 namespace {
@@ -44,11 +49,14 @@ public:
 
     BlockPlan run() {
         while (possible_ && at_ < pattern_.size()) step();
+        withoutCapturing_.append(pattern_.substr(copied_));
         if ((lazy_ && property_) || (topBar_ && letterRepeated_)) possible_ = false;
         BlockPlan plan;
         plan.possible = possible_;
         plan.confirm = newline_;
         plan.asciiOnly = shorthandRepeated_;
+        plan.many = !newline_ && !lazy_;
+        plan.pattern = std::move(withoutCapturing_);
         return plan;
     }
 
@@ -135,12 +143,13 @@ private:
     }
 
     void group() {
-        std::size_t length = 1;
         if (more(1) && pattern_[at_ + 1] == '?') {
             possible_ = more(2) && pattern_[at_ + 2] == ':';
-            length = 3;
+            at_ += 3;
+        } else {
+            withoutCapturing_.append(pattern_.substr(copied_, at_ - copied_)).append("(?:");
+            copied_ = ++at_;
         }
-        at_ += length;
         ++depth_;
         last_ = Atom::kNone;
     }
@@ -220,6 +229,8 @@ private:
 
     std::string_view pattern_;
     std::size_t at_ = 0;
+    std::string withoutCapturing_;
+    std::size_t copied_ = 0;  // the pattern up to here is in it
     int depth_ = 0;
     Atom last_ = Atom::kNone;
     bool possible_;

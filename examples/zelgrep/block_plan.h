@@ -7,6 +7,7 @@
 // that holds.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace zelgrep {
@@ -15,6 +16,8 @@ struct BlockPlan {
     bool possible = false;   // a block in which nothing is found holds no line that matches
     bool confirm = false;    // ... but a line found may not match by itself: search it again
     bool asciiOnly = false;  // ... and this holds only for blocks of ASCII text
+    bool many = false;       // the matches that one search finds lie in all lines that match
+    std::string pattern;     // what to search blocks with: the pattern without capturing
 };
 
 /// `options` are the option letters (of i m s x) that the pattern is compiled with.

@@ -54,6 +54,9 @@ Span LineFinder::next(const Zel8u* from) {
                             ? std::min(lineFrom(from + pieceLength_).end + 1, block_.end)
                             : block_.end;
             pieceByLine_ = !plan_.possible || (plan_.asciiOnly && !isAscii({from, pieceEnd_}));
+            matches_.clear();
+            nextMatch_ = 0;
+            allMatches_ = false;
         }
         if (pieceByLine_ ? nextLineByLine(from, pieceEnd_) : nextInPiece(from, pieceEnd_))
             return line_;
@@ -74,21 +77,20 @@ bool LineFinder::nextLineByLine(const Zel8u* from, const Zel8u* end) {
 
 bool LineFinder::nextInPiece(const Zel8u* from, const Zel8u* end) {
     while (from < end) {
-        const Zel8u* match = nullptr;
-        const int length = static_cast<int>(end - from);
-        const int budget =
-            std::min(pattern_.limit(), kStepsPerByte * std::max(length, kSmallestPiece));
-        switch (pattern_.findInBlock({from, end}, budget, match)) {
-            case Outcome::kNone:
-                pieceLength_ =
-                    std::min({pieceLength_ * 2, pattern_.limit() / kStepsPerByte, kLargestPiece});
-                return false;
-            case Outcome::kLimit:
-                slower();
-                return nextLineByLine(from, end);
-            case Outcome::kFound:
-                break;
+        while (nextMatch_ < matches_.size() && matches_[nextMatch_] < from) ++nextMatch_;
+        if (nextMatch_ == matches_.size()) {
+            if (allMatches_) return false;
+            switch (moreMatches(from, end)) {
+                case Outcome::kNone:
+                    return false;
+                case Outcome::kLimit:
+                    slower();
+                    return nextLineByLine(from, end);
+                case Outcome::kFound:
+                    break;
+            }
         }
+        const Zel8u* match = matches_[nextMatch_];
         // A match behind the last separator belongs to no line of this piece.
         if (match == end && end[-1] == static_cast<Zel8u>(separator_)) return false;
         int index = -1;
@@ -99,6 +101,18 @@ bool LineFinder::nextInPiece(const Zel8u* from, const Zel8u* end) {
         from = line_.end + 1;
     }
     return false;
+}
+
+Outcome LineFinder::moreMatches(const Zel8u* from, const Zel8u* end) {
+    const int length = static_cast<int>(end - from);
+    const int budget = std::min(pattern_.limit(), kStepsPerByte * std::max(length, kSmallestPiece));
+    const Outcome outcome = pattern_.findInBlock({from, end}, budget, matches_);
+    nextMatch_ = 0;
+    allMatches_ = plan_.many && matches_.size() < Pattern::kManyMatches;
+    if (outcome == Outcome::kNone)
+        pieceLength_ =
+            std::min({pieceLength_ * 2, pattern_.limit() / kStepsPerByte, kLargestPiece});
+    return outcome;
 }
 
 void LineFinder::slower() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <vector>
 
 #include "block_plan.h"
 #include "pattern.h"
@@ -26,6 +27,7 @@ public:
 private:
     Span lineFrom(const Zel8u* begin) const;
     bool nextInPiece(const Zel8u* from, const Zel8u* end);
+    Outcome moreMatches(const Zel8u* from, const Zel8u* end);
     bool nextLineByLine(const Zel8u* from, const Zel8u* end);
     bool matches(Span line);
     void slower();
@@ -37,9 +39,12 @@ private:
     Span block_{};
     Span line_{};  // the last answer, good until a line behind it is asked for
     bool known_ = false;
-    int pieceLength_;           // how much of a block is searched at once
-    const Zel8u* pieceEnd_{};   // where the piece being searched ends
-    bool pieceByLine_ = false;  // it has to be searched line by line
+    int pieceLength_;                    // how much of a block is searched at once
+    const Zel8u* pieceEnd_{};            // where the piece being searched ends
+    bool pieceByLine_ = false;           // it has to be searched line by line
+    std::vector<const Zel8u*> matches_;  // where matches in it begin
+    std::size_t nextMatch_ = 0;          // the first of them that was not looked at
+    bool allMatches_ = false;            // it has no further ones
 };
 
 }  // namespace zelgrep

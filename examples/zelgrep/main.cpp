@@ -161,14 +161,14 @@ bool Grep::compile() {
     int groups = 0;
     for (const std::string& text : options_.patterns) {
         std::string error;
+        BlockPlan plan = planFor(text, options_.letters);
         auto pattern = std::make_unique<Pattern>(text, options_.letters, options_.bytes,
-                                                 options_.limit, error);
+                                                 options_.limit, plan, error);
         if (!error.empty()) {
             complain("", error);
             return false;
         }
         groups = std::max(groups, pattern->groups());
-        BlockPlan plan = planFor(text, options_.letters);
         if (options_.lineByLine) plan.possible = false;
         auto finder =
             std::make_unique<LineFinder>(*pattern, plan, options_.separator,

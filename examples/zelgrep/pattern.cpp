@@ -55,15 +55,17 @@ Outcome outcomeOf(ZelStatus status, int count) {
 }  // namespace
 
 Pattern::Pattern(const std::string& text, const std::string& options, bool bytes, int limit,
-                 std::string& error)
+                 const BlockPlan& plan, std::string& error)
     : bytes_(bytes),
       limit_(limit),
+      atOnce_(plan.many ? kManyMatches : 1),
       found_(1001),
       nothing_(reinterpret_cast<ZelRegExpReplaceState*>(nothingMemory_)) {
     zelsRegExpReplaceInit(nullptr, nothing_);
     Object counter;
     if (!compile(first_, text, options, error) || !compile(all_, text, options + "g", error) ||
-        !compile(block_, text, options + "m", error) ||
+        (plan.possible &&
+         !compile(block_, plan.pattern, options + (plan.many ? "mg" : "m"), error)) ||
         !compile(counter, "|" + text, options, error))
         return;
 
@@ -98,13 +100,16 @@ Outcome Pattern::findInLine(Span line) {
     return outcomeOf(status, count);
 }
 
-Outcome Pattern::findInBlock(Span block, int budget, const Zel8u*& match) {
-    int count = 1;
+Outcome Pattern::findInBlock(Span block, int budget, std::vector<const Zel8u*>& matches) {
+    int count = atOnce_;
     zelsRegExpSetMatchLimit(budget, block_.get());
     const ZelStatus status =
         zelsRegExpFind_8u(block.begin, block.length(), block_.get(), found_.data(), &count);
     const Outcome outcome = outcomeOf(status, count);
-    if (outcome == Outcome::kFound) match = found_[0].pMatch;
+    matches.clear();
+    if (outcome == Outcome::kFound)
+        for (int i = 0; i < count; ++i)
+            matches.push_back(found_[static_cast<std::size_t>(i)].pMatch);
     return outcome;
 }
 

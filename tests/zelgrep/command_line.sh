@@ -44,6 +44,7 @@ check 0 'na\303\n' -b -o 'na[^a]' text
 check 0 'naï\n' -o 'na[^a]' text
 check 0 'o\nwo\n' -o 'w?o' text
 check 0 'e\n' -g 1 '(n|e) t' text
+check 0 'ee\n' -o '(e)\1' text
 check 0 'w\n' -g 2 't(h)?(w)' text
 check 0 'one\n' -g 0 'o(n)e' text
 check 2 'zelgrep: there is no group 2; the pattern has 1\n' -g 2 '(o)' text

@@ -105,7 +105,8 @@ TEST(LineFinder, FindsTheSameLinesInBlocksAsLineByLine) {
         static const int kLimits[] = {33000, 100000, 10000000};
         const char* options = generator.below(4) == 0 ? "i" : "";
         std::string error;
-        Pattern pattern(text, options, generator.below(5) == 0, kLimits[generator.below(3)], error);
+        Pattern pattern(text, options, generator.below(5) == 0, kLimits[generator.below(3)], plan,
+                        error);
         if (!error.empty()) continue;
         const std::string subject = generator.text(9000);
         ++compared;
