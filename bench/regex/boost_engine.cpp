@@ -13,12 +13,12 @@ struct BoostTraits {
     using Match = boost::cmatch;
     using Iterator = boost::cregex_iterator;
 
-    static bool has(const PatternSpec& spec) { return !spec.utf8; }
+    static bool has(const Query& query) { return !query.utf8; }
 
-    static Regex::flag_type options(const PatternSpec& spec) {
+    static Regex::flag_type options(const Query& query) {
         Regex::flag_type options = Regex::perl | Regex::no_mod_s | Regex::optimize;
-        if (!spec.multiLine) options |= Regex::no_mod_m;
-        if (spec.ignoreCase) options |= Regex::icase;
+        if (!query.multiLine) options |= Regex::no_mod_m;
+        if (query.ignoreCase) options |= Regex::icase;
         return options;
     }
     static bool search(std::string_view text, Match& match, const Regex& regex) {

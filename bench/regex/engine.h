@@ -12,7 +12,7 @@
 
 namespace bench {
 
-struct PatternSpec {
+struct Query {
     const char* pattern;
     bool ignoreCase = false;
     bool multiLine = false;
@@ -57,10 +57,10 @@ public:
     virtual Kind kind() const { return Kind::Package; }
 
     // Null when the engine has no such pattern.
-    virtual std::unique_ptr<Matcher> compile(const PatternSpec& spec) const = 0;
+    virtual std::unique_ptr<Matcher> compile(const Query& query) const = 0;
 
     // Compiles the pattern and throws the result away; whether it compiles.
-    virtual bool compileOnly(const PatternSpec& spec) const = 0;
+    virtual bool compileOnly(const Query& query) const = 0;
 };
 
 // A set of patterns, searched in one line after another: which of them occur.
@@ -82,9 +82,9 @@ void addBoost(EngineList& engines);
 void addStd(EngineList& engines);
 void addHyperscan(EngineList& engines);
 
-std::unique_ptr<SetMatcher> librarySet(const std::vector<PatternSpec>& patterns);
-std::unique_ptr<SetMatcher> pcre2JitSet(const std::vector<PatternSpec>& patterns);
-std::unique_ptr<SetMatcher> re2Set(const std::vector<PatternSpec>& patterns);
-std::unique_ptr<SetMatcher> hyperscanSet(const std::vector<PatternSpec>& patterns);
+std::unique_ptr<SetMatcher> librarySet(const std::vector<Query>& patterns);
+std::unique_ptr<SetMatcher> pcre2JitSet(const std::vector<Query>& patterns);
+std::unique_ptr<SetMatcher> re2Set(const std::vector<Query>& patterns);
+std::unique_ptr<SetMatcher> hyperscanSet(const std::vector<Query>& patterns);
 
 }  // namespace bench

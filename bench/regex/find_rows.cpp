@@ -25,7 +25,7 @@ struct FindAll {
     const char* family;
     const char* variant;
     const char* text;
-    PatternSpec spec;
+    Query query;
     double must;
     Occurs hyperscan = Occurs::No;
 };
@@ -120,7 +120,7 @@ void runFindAll(Suite& suite, const FindAll& find, std::string_view text, const 
     for (const auto& engine : engines) {
         if (isSlow(*engine) && !slowToo) continue;
         if (isHyperscan(*engine) && find.hyperscan == Occurs::No) continue;
-        matchers.push_back(engine->compile(find.spec));
+        matchers.push_back(engine->compile(find.query));
         if (matchers.back() == nullptr) continue;
         runners.push_back({engine->name(), engine->kind(), [matcher = matchers.back().get(), text] {
                                return matcher->findAll(text).digest();
@@ -132,7 +132,7 @@ void runFindAll(Suite& suite, const FindAll& find, std::string_view text, const 
 struct FindFirst {
     const char* family;
     const char* variant;
-    PatternSpec spec;
+    Query query;
     double must;
     Occurs hyperscan;
     std::vector<std::string_view> subjects;  // half of them should match
@@ -226,7 +226,7 @@ void findFirstRows(Suite& suite) {
         std::vector<Suite::Runner> runners;
         for (const auto& engine : engines) {
             if (isHyperscan(*engine) && find.hyperscan == Occurs::No) continue;
-            matchers.push_back(engine->compile(find.spec));
+            matchers.push_back(engine->compile(find.query));
             if (matchers.back() == nullptr) continue;
             runners.push_back({engine->name(), engine->kind(),
                                [matcher = matchers.back().get(), &subjects = find.subjects] {

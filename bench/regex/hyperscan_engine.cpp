@@ -20,18 +20,18 @@ struct FreeScratch {
 using Database = std::unique_ptr<hs_database_t, FreeDatabase>;
 using Scratch = std::unique_ptr<hs_scratch_t, FreeScratch>;
 
-unsigned flagsOf(const PatternSpec& spec) {
+unsigned flagsOf(const Query& query) {
     unsigned flags = 0;
-    if (spec.ignoreCase) flags |= HS_FLAG_CASELESS;
-    if (spec.multiLine) flags |= HS_FLAG_MULTILINE;
-    if (spec.utf8) flags |= HS_FLAG_UTF8;
+    if (query.ignoreCase) flags |= HS_FLAG_CASELESS;
+    if (query.multiLine) flags |= HS_FLAG_MULTILINE;
+    if (query.utf8) flags |= HS_FLAG_UTF8;
     return flags;
 }
 
-Database compileOne(const PatternSpec& spec, unsigned flags) {
+Database compileOne(const Query& query, unsigned flags) {
     hs_database_t* database = nullptr;
     hs_compile_error_t* error = nullptr;
-    if (hs_compile(spec.pattern, flagsOf(spec) | flags, HS_MODE_BLOCK, nullptr, &database,
+    if (hs_compile(query.pattern, flagsOf(query) | flags, HS_MODE_BLOCK, nullptr, &database,
                    &error) != HS_SUCCESS) {
         hs_free_compile_error(error);
         return nullptr;
@@ -59,8 +59,8 @@ int countMatch(unsigned, unsigned long long, unsigned long long, unsigned, void*
 
 class HyperscanMatcher : public Matcher {
 public:
-    explicit HyperscanMatcher(const PatternSpec& spec)
-        : all_(compileOne(spec, HS_FLAG_SOM_LEFTMOST)), scratch_(scratchFor(all_.get())) {}
+    explicit HyperscanMatcher(const Query& query)
+        : all_(compileOne(query, HS_FLAG_SOM_LEFTMOST)), scratch_(scratchFor(all_.get())) {}
 
     bool ok() const { return scratch_ != nullptr; }
 
@@ -87,26 +87,24 @@ private:
 class HyperscanEngine : public Engine {
 public:
     const char* name() const override { return "Hyperscan"; }
-    std::unique_ptr<Matcher> compile(const PatternSpec& spec) const override {
-        auto matcher = std::make_unique<HyperscanMatcher>(spec);
+    std::unique_ptr<Matcher> compile(const Query& query) const override {
+        auto matcher = std::make_unique<HyperscanMatcher>(query);
         if (!matcher->ok()) return nullptr;
         return matcher;
     }
-    bool compileOnly(const PatternSpec& spec) const override {
-        return compileOne(spec, 0) != nullptr;
-    }
+    bool compileOnly(const Query& query) const override { return compileOne(query, 0) != nullptr; }
 };
 
 class HyperscanSet : public SetMatcher {
 public:
-    explicit HyperscanSet(const std::vector<PatternSpec>& specs) {
+    explicit HyperscanSet(const std::vector<Query>& queries) {
         std::vector<const char*> patterns;
         std::vector<unsigned> flags;
         std::vector<unsigned> ids;
-        for (const PatternSpec& spec : specs) {
+        for (const Query& query : queries) {
             ids.push_back(static_cast<unsigned>(patterns.size()));
-            patterns.push_back(spec.pattern);
-            flags.push_back(flagsOf(spec) | HS_FLAG_SINGLEMATCH);
+            patterns.push_back(query.pattern);
+            flags.push_back(flagsOf(query) | HS_FLAG_SINGLEMATCH);
         }
         hs_database_t* database = nullptr;
         hs_compile_error_t* error = nullptr;
@@ -138,7 +136,7 @@ void addHyperscan(EngineList& engines) {
     engines.push_back(std::make_unique<HyperscanEngine>());
 }
 
-std::unique_ptr<SetMatcher> hyperscanSet(const std::vector<PatternSpec>& patterns) {
+std::unique_ptr<SetMatcher> hyperscanSet(const std::vector<Query>& patterns) {
     auto set = std::make_unique<HyperscanSet>(patterns);
     if (!set->ok()) return nullptr;
     return set;
@@ -151,7 +149,7 @@ std::unique_ptr<SetMatcher> hyperscanSet(const std::vector<PatternSpec>& pattern
 namespace bench {
 
 void addHyperscan(EngineList&) {}
-std::unique_ptr<SetMatcher> hyperscanSet(const std::vector<PatternSpec>&) {
+std::unique_ptr<SetMatcher> hyperscanSet(const std::vector<Query>&) {
     return nullptr;
 }
 

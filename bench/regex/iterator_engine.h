@@ -11,8 +11,8 @@ namespace bench {
 template <class Traits>
 class IteratorMatcher : public Matcher {
 public:
-    explicit IteratorMatcher(const PatternSpec& spec)
-        : groups_(spec.groups), regex_(spec.pattern, Traits::options(spec)) {}
+    explicit IteratorMatcher(const Query& query)
+        : groups_(query.groups), regex_(query.pattern, Traits::options(query)) {}
 
     Tally findAll(std::string_view text) override {
         Tally tally;
@@ -55,17 +55,17 @@ template <class Traits>
 class IteratorEngine : public Engine {
 public:
     const char* name() const override { return Traits::kName; }
-    std::unique_ptr<Matcher> compile(const PatternSpec& spec) const override {
-        if (!Traits::has(spec)) return nullptr;
+    std::unique_ptr<Matcher> compile(const Query& query) const override {
+        if (!Traits::has(query)) return nullptr;
         try {
-            return std::make_unique<IteratorMatcher<Traits>>(spec);
+            return std::make_unique<IteratorMatcher<Traits>>(query);
         } catch (const std::exception&) {
             return nullptr;
         }
     }
-    bool compileOnly(const PatternSpec& spec) const override {
+    bool compileOnly(const Query& query) const override {
         try {
-            const typename Traits::Regex regex(spec.pattern, Traits::options(spec));
+            const typename Traits::Regex regex(query.pattern, Traits::options(query));
             return true;
         } catch (const std::exception&) {
             return false;

@@ -17,20 +17,20 @@ struct FreePattern {
 };
 using Pattern = std::unique_ptr<ZelRegExpState, FreePattern>;
 
-std::string optionsOf(const PatternSpec& spec, const char* more) {
+std::string optionsOf(const Query& query, const char* more) {
     std::string options = more;
-    if (spec.ignoreCase) options += 'i';
-    if (spec.multiLine) options += 'm';
+    if (query.ignoreCase) options += 'i';
+    if (query.multiLine) options += 'm';
     return options;
 }
 
-Pattern compilePattern(const PatternSpec& spec, const char* moreOptions) {
+Pattern compilePattern(const Query& query, const char* moreOptions) {
     ZelRegExpState* state = nullptr;
     int errorOffset = 0;
-    if (zelsRegExpInitAlloc(spec.pattern, optionsOf(spec, moreOptions).c_str(), &state,
+    if (zelsRegExpInitAlloc(query.pattern, optionsOf(query, moreOptions).c_str(), &state,
                             &errorOffset) != zelStatusOk)
         return nullptr;
-    zelsRegExpSetFormat(spec.utf8 ? 1 : 0, state);
+    zelsRegExpSetFormat(query.utf8 ? 1 : 0, state);
     zelsRegExpSetMatchLimit(INT_MAX, state);
     return Pattern(state);
 }
@@ -41,8 +41,8 @@ const Zel8u* bytes(std::string_view text) {
 
 class LibraryMatcher : public Matcher {
 public:
-    LibraryMatcher(const PatternSpec& spec, Pattern all, Pattern first)
-        : groups_(spec.groups), all_(std::move(all)), first_(std::move(first)) {}
+    LibraryMatcher(const Query& query, Pattern all, Pattern first)
+        : groups_(query.groups), all_(std::move(all)), first_(std::move(first)) {}
 
     Tally findAll(std::string_view text) override {
         if (records_.empty()) makeRoom(text, static_cast<std::size_t>(std::max(1, groups_)));
@@ -120,23 +120,23 @@ public:
     const char* name() const override { return "zelchmx"; }
     Kind kind() const override { return Kind::Library; }
 
-    std::unique_ptr<Matcher> compile(const PatternSpec& spec) const override {
-        Pattern all = compilePattern(spec, "g");
-        Pattern first = compilePattern(spec, "");
+    std::unique_ptr<Matcher> compile(const Query& query) const override {
+        Pattern all = compilePattern(query, "g");
+        Pattern first = compilePattern(query, "");
         if (all == nullptr || first == nullptr) return nullptr;
-        return std::make_unique<LibraryMatcher>(spec, std::move(all), std::move(first));
+        return std::make_unique<LibraryMatcher>(query, std::move(all), std::move(first));
     }
 
     // Into memory the caller has at hand, which is what the library is made for.
-    bool compileOnly(const PatternSpec& spec) const override {
+    bool compileOnly(const Query& query) const override {
         static std::vector<std::uint64_t> block;
         int size = 0;
-        zelsRegExpGetSize(spec.pattern, &size);
+        zelsRegExpGetSize(query.pattern, &size);
         if (block.size() * 8 < static_cast<std::size_t>(size))
             block.resize(static_cast<std::size_t>(size) / 8 + 1);
         int errorOffset = 0;
-        const char* const options = spec.ignoreCase ? "i" : spec.multiLine ? "m" : "";
-        return zelsRegExpInit(spec.pattern, options,
+        const char* const options = query.ignoreCase ? "i" : query.multiLine ? "m" : "";
+        return zelsRegExpInit(query.pattern, options,
                               reinterpret_cast<ZelRegExpState*>(block.data()),
                               &errorOffset) == zelStatusOk;
     }
@@ -144,12 +144,12 @@ public:
 
 class LibrarySet : public SetMatcher {
 public:
-    explicit LibrarySet(const std::vector<PatternSpec>& specs)
-        : finds_(specs.size()), records_(specs.size()) {
-        const int count = static_cast<int>(specs.size());
+    explicit LibrarySet(const std::vector<Query>& queries)
+        : finds_(queries.size()), records_(queries.size()) {
+        const int count = static_cast<int>(queries.size());
         zelsRegExpMultiInitAlloc(&set_, count);
-        for (std::size_t i = 0; i < specs.size(); ++i) {
-            patterns_.push_back(compilePattern(specs[i], ""));
+        for (std::size_t i = 0; i < queries.size(); ++i) {
+            patterns_.push_back(compilePattern(queries[i], ""));
             zelsRegExpMultiAdd(patterns_.back().get(), static_cast<Zel32u>(i + 1), set_);
             finds_[i].pFind = &records_[i];
         }
@@ -179,7 +179,7 @@ void addLibrary(EngineList& engines) {
     engines.push_back(std::make_unique<LibraryEngine>());
 }
 
-std::unique_ptr<SetMatcher> librarySet(const std::vector<PatternSpec>& patterns) {
+std::unique_ptr<SetMatcher> librarySet(const std::vector<Query>& patterns) {
     return std::make_unique<LibrarySet>(patterns);
 }
 

@@ -13,30 +13,30 @@ const OnigUChar* units(const char* text) {
     return reinterpret_cast<const OnigUChar*>(text);
 }
 
-regex_t* compileRegex(const PatternSpec& spec) {
+regex_t* compileRegex(const Query& query) {
     static const bool ready = [] {
         OnigEncoding encodings[] = {ONIG_ENCODING_ASCII, ONIG_ENCODING_UTF8};
         return onig_initialize(encodings, 2) == ONIG_NORMAL;
     }();
     // Named for Perl, and in its syntax ^ stands at every line; what differs is the end of lines.
     OnigOptionType options = ONIG_OPTION_CAPTURE_GROUP;
-    if (spec.ignoreCase) options |= ONIG_OPTION_IGNORECASE;
-    if (spec.multiLine) options |= ONIG_OPTION_NEGATE_SINGLELINE;
-    if (spec.utf8)
+    if (query.ignoreCase) options |= ONIG_OPTION_IGNORECASE;
+    if (query.multiLine) options |= ONIG_OPTION_NEGATE_SINGLELINE;
+    if (query.utf8)
         options |=
             ONIG_OPTION_WORD_IS_ASCII | ONIG_OPTION_DIGIT_IS_ASCII | ONIG_OPTION_SPACE_IS_ASCII;
     regex_t* regex = nullptr;
     OnigErrorInfo info;
     const int result = onig_new(
-        &regex, units(spec.pattern), units(spec.pattern) + std::strlen(spec.pattern), options,
-        spec.utf8 ? ONIG_ENCODING_UTF8 : ONIG_ENCODING_ASCII, ONIG_SYNTAX_PERL, &info);
+        &regex, units(query.pattern), units(query.pattern) + std::strlen(query.pattern), options,
+        query.utf8 ? ONIG_ENCODING_UTF8 : ONIG_ENCODING_ASCII, ONIG_SYNTAX_PERL, &info);
     return ready && result == ONIG_NORMAL ? regex : nullptr;
 }
 
 class OnigurumaMatcher : public Matcher {
 public:
-    OnigurumaMatcher(const PatternSpec& spec, regex_t* regex)
-        : groups_(spec.groups), regex_(regex), region_(onig_region_new()) {}
+    OnigurumaMatcher(const Query& query, regex_t* regex)
+        : groups_(query.groups), regex_(regex), region_(onig_region_new()) {}
     ~OnigurumaMatcher() override {
         onig_region_free(region_, 1);
         onig_free(regex_);
@@ -79,13 +79,13 @@ private:
 class OnigurumaEngine : public Engine {
 public:
     const char* name() const override { return "Oniguruma"; }
-    std::unique_ptr<Matcher> compile(const PatternSpec& spec) const override {
-        regex_t* const regex = compileRegex(spec);
+    std::unique_ptr<Matcher> compile(const Query& query) const override {
+        regex_t* const regex = compileRegex(query);
         if (regex == nullptr) return nullptr;
-        return std::make_unique<OnigurumaMatcher>(spec, regex);
+        return std::make_unique<OnigurumaMatcher>(query, regex);
     }
-    bool compileOnly(const PatternSpec& spec) const override {
-        regex_t* const regex = compileRegex(spec);
+    bool compileOnly(const Query& query) const override {
+        regex_t* const regex = compileRegex(query);
         if (regex == nullptr) return false;
         onig_free(regex);
         return true;

@@ -20,14 +20,14 @@ struct FreeCode {
 };
 using Code = std::unique_ptr<pcre2_code, FreeCode>;
 
-Code compileCode(const PatternSpec& spec, bool jit) {
+Code compileCode(const Query& query, bool jit) {
     std::uint32_t options = 0;
-    if (spec.ignoreCase) options |= PCRE2_CASELESS;
-    if (spec.multiLine) options |= PCRE2_MULTILINE;
-    if (spec.utf8) options |= PCRE2_UTF;
+    if (query.ignoreCase) options |= PCRE2_CASELESS;
+    if (query.multiLine) options |= PCRE2_MULTILINE;
+    if (query.utf8) options |= PCRE2_UTF;
     int error = 0;
     PCRE2_SIZE offset = 0;
-    Code code(pcre2_compile(units(spec.pattern), PCRE2_ZERO_TERMINATED, options, &error, &offset,
+    Code code(pcre2_compile(units(query.pattern), PCRE2_ZERO_TERMINATED, options, &error, &offset,
                             nullptr));
     if (code != nullptr && jit && pcre2_jit_compile(code.get(), PCRE2_JIT_COMPLETE) != 0)
         return nullptr;
@@ -36,8 +36,8 @@ Code compileCode(const PatternSpec& spec, bool jit) {
 
 class Pcre2Matcher : public Matcher {
 public:
-    Pcre2Matcher(const PatternSpec& spec, bool jit, Code code)
-        : groups_(spec.groups),
+    Pcre2Matcher(const Query& query, bool jit, Code code)
+        : groups_(query.groups),
           jit_(jit),
           code_(std::move(code)),
           data_(pcre2_match_data_create_from_pattern(code_.get(), nullptr)),
@@ -111,13 +111,13 @@ public:
     explicit Pcre2Engine(bool jit) : jit_(jit) {}
     const char* name() const override { return jit_ ? "PCRE2 JIT" : "PCRE2"; }
 
-    std::unique_ptr<Matcher> compile(const PatternSpec& spec) const override {
-        Code code = compileCode(spec, jit_);
+    std::unique_ptr<Matcher> compile(const Query& query) const override {
+        Code code = compileCode(query, jit_);
         if (code == nullptr) return nullptr;
-        return std::make_unique<Pcre2Matcher>(spec, jit_, std::move(code));
+        return std::make_unique<Pcre2Matcher>(query, jit_, std::move(code));
     }
-    bool compileOnly(const PatternSpec& spec) const override {
-        return compileCode(spec, jit_) != nullptr;
+    bool compileOnly(const Query& query) const override {
+        return compileCode(query, jit_) != nullptr;
     }
 
 private:
@@ -126,10 +126,10 @@ private:
 
 class Pcre2Set : public SetMatcher {
 public:
-    explicit Pcre2Set(const std::vector<PatternSpec>& specs) {
-        for (const PatternSpec& spec : specs)
+    explicit Pcre2Set(const std::vector<Query>& queries) {
+        for (const Query& query : queries)
             matchers_.push_back(
-                std::make_unique<Pcre2Matcher>(spec, true, compileCode(spec, true)));
+                std::make_unique<Pcre2Matcher>(query, true, compileCode(query, true)));
     }
     std::int64_t countHits(const std::vector<std::string_view>& lines) override {
         std::int64_t hits = 0;
@@ -150,7 +150,7 @@ void addPcre2(EngineList& engines) {
     engines.push_back(std::make_unique<Pcre2Engine>(true));
 }
 
-std::unique_ptr<SetMatcher> pcre2JitSet(const std::vector<PatternSpec>& patterns) {
+std::unique_ptr<SetMatcher> pcre2JitSet(const std::vector<Query>& patterns) {
     return std::make_unique<Pcre2Set>(patterns);
 }
 
@@ -161,7 +161,7 @@ std::unique_ptr<SetMatcher> pcre2JitSet(const std::vector<PatternSpec>& patterns
 namespace bench {
 
 void addPcre2(EngineList&) {}
-std::unique_ptr<SetMatcher> pcre2JitSet(const std::vector<PatternSpec>&) {
+std::unique_ptr<SetMatcher> pcre2JitSet(const std::vector<Query>&) {
     return nullptr;
 }
 

@@ -8,23 +8,23 @@
 namespace bench {
 namespace {
 
-RE2::Options optionsOf(const PatternSpec& spec) {
+RE2::Options optionsOf(const Query& query) {
     RE2::Options options;
     options.set_log_errors(false);
-    options.set_case_sensitive(!spec.ignoreCase);
-    options.set_encoding(spec.utf8 ? RE2::Options::EncodingUTF8 : RE2::Options::EncodingLatin1);
+    options.set_case_sensitive(!query.ignoreCase);
+    options.set_encoding(query.utf8 ? RE2::Options::EncodingUTF8 : RE2::Options::EncodingLatin1);
     options.set_max_mem(int64_t{256} << 20);
     return options;
 }
 
-std::string patternOf(const PatternSpec& spec) {
-    return (spec.multiLine ? "(?m)" : "") + std::string(spec.pattern);
+std::string patternOf(const Query& query) {
+    return (query.multiLine ? "(?m)" : "") + std::string(query.pattern);
 }
 
 class Re2Matcher : public Matcher {
 public:
-    explicit Re2Matcher(const PatternSpec& spec)
-        : groups_(spec.groups), re_(patternOf(spec), optionsOf(spec)) {}
+    explicit Re2Matcher(const Query& query)
+        : groups_(query.groups), re_(patternOf(query), optionsOf(query)) {}
 
     bool ok() const { return re_.ok(); }
 
@@ -76,21 +76,21 @@ private:
 class Re2Engine : public Engine {
 public:
     const char* name() const override { return "RE2"; }
-    std::unique_ptr<Matcher> compile(const PatternSpec& spec) const override {
-        auto matcher = std::make_unique<Re2Matcher>(spec);
+    std::unique_ptr<Matcher> compile(const Query& query) const override {
+        auto matcher = std::make_unique<Re2Matcher>(query);
         if (!matcher->ok()) return nullptr;
         return matcher;
     }
-    bool compileOnly(const PatternSpec& spec) const override {
-        return RE2(patternOf(spec), optionsOf(spec)).ok();
+    bool compileOnly(const Query& query) const override {
+        return RE2(patternOf(query), optionsOf(query)).ok();
     }
 };
 
 class Re2SetMatcher : public SetMatcher {
 public:
-    explicit Re2SetMatcher(const std::vector<PatternSpec>& specs)
-        : set_(optionsOf(specs.front()), RE2::UNANCHORED) {
-        for (const PatternSpec& spec : specs) set_.Add(patternOf(spec), nullptr);
+    explicit Re2SetMatcher(const std::vector<Query>& queries)
+        : set_(optionsOf(queries.front()), RE2::UNANCHORED) {
+        for (const Query& query : queries) set_.Add(patternOf(query), nullptr);
         set_.Compile();
     }
     std::int64_t countHits(const std::vector<std::string_view>& lines) override {
@@ -113,7 +113,7 @@ void addRe2(EngineList& engines) {
     engines.push_back(std::make_unique<Re2Engine>());
 }
 
-std::unique_ptr<SetMatcher> re2Set(const std::vector<PatternSpec>& patterns) {
+std::unique_ptr<SetMatcher> re2Set(const std::vector<Query>& patterns) {
     return std::make_unique<Re2SetMatcher>(patterns);
 }
 
@@ -124,7 +124,7 @@ std::unique_ptr<SetMatcher> re2Set(const std::vector<PatternSpec>& patterns) {
 namespace bench {
 
 void addRe2(EngineList&) {}
-std::unique_ptr<SetMatcher> re2Set(const std::vector<PatternSpec>&) {
+std::unique_ptr<SetMatcher> re2Set(const std::vector<Query>&) {
     return nullptr;
 }
 

@@ -13,7 +13,7 @@ namespace {
 
 struct Compile {
     const char* variant;
-    PatternSpec spec;
+    Query query;
 };
 constexpr Compile kCompile[] = {
     {"one literal", {"catalog descriptor"}},
@@ -31,7 +31,7 @@ constexpr Compile kCompile[] = {
 struct Replace {
     const char* variant;
     const char* text;
-    PatternSpec spec;
+    Query query;
     const char* replacement;
 };
 constexpr Replace kReplace[] = {
@@ -141,18 +141,18 @@ void lineSetRows(Suite& suite, Corpus& corpus) {
                 .mustPeer = "PCRE2 JIT, one by one"};
         if (!suite.wants(row)) continue;
         const std::vector<std::string> patterns = setPatterns(size.patterns);
-        std::vector<PatternSpec> specs;
-        for (const std::string& pattern : patterns) specs.push_back({pattern.c_str()});
+        std::vector<Query> queries;
+        for (const std::string& pattern : patterns) queries.push_back({pattern.c_str()});
         struct Contestant {
             const char* name;
             Kind kind;
             std::unique_ptr<SetMatcher> set;
         };
         Contestant contestants[] = {
-            {"PCRE2 JIT, one by one", Kind::Package, pcre2JitSet(specs)},
-            {"RE2::Set", Kind::Package, re2Set(specs)},
-            {"Hyperscan", Kind::Package, hyperscanSet(specs)},
-            {"zelchmx", Kind::Library, librarySet(specs)},
+            {"PCRE2 JIT, one by one", Kind::Package, pcre2JitSet(queries)},
+            {"RE2::Set", Kind::Package, re2Set(queries)},
+            {"Hyperscan", Kind::Package, hyperscanSet(queries)},
+            {"zelchmx", Kind::Library, librarySet(queries)},
         };
         std::vector<Suite::Runner> runners;
         for (const Contestant& contestant : contestants) {
@@ -195,9 +195,9 @@ void compileRows(Suite& suite) {
         if (!suite.wants(row)) continue;
         std::vector<Suite::Runner> runners;
         for (const auto& engine : engines) {
-            if (!engine->compileOnly(compile.spec)) continue;
+            if (!engine->compileOnly(compile.query)) continue;
             runners.push_back({engine->name(), engine->kind(), [&engine, &compile] {
-                                   return engine->compileOnly(compile.spec) ? 1 : 0;
+                                   return engine->compileOnly(compile.query) ? 1 : 0;
                                }});
         }
         suite.run(row, runners);
@@ -218,7 +218,7 @@ void replaceRows(Suite& suite, Corpus& corpus) {
         std::vector<Suite::Runner> runners;
         for (const auto& engine : engines) {
             if (std::strcmp(engine->name(), "std::regex") == 0) continue;
-            matchers.push_back(engine->compile(replace.spec));
+            matchers.push_back(engine->compile(replace.query));
             if (matchers.back() == nullptr || !matchers.back()->canReplace()) continue;
             runners.push_back(
                 {engine->name(), engine->kind(), [matcher = matchers.back().get(), text, &replace] {

@@ -11,12 +11,12 @@ struct StdTraits {
     using Match = std::cmatch;
     using Iterator = std::cregex_iterator;
 
-    static bool has(const PatternSpec& spec) { return !spec.utf8; }
+    static bool has(const Query& query) { return !query.utf8; }
 
-    static Regex::flag_type options(const PatternSpec& spec) {
+    static Regex::flag_type options(const Query& query) {
         Regex::flag_type options = Regex::ECMAScript | Regex::optimize;
-        if (spec.multiLine) options |= Regex::multiline;
-        if (spec.ignoreCase) options |= Regex::icase;
+        if (query.multiLine) options |= Regex::multiline;
+        if (query.ignoreCase) options |= Regex::icase;
         return options;
     }
     static bool search(std::string_view text, Match& match, const Regex& regex) {

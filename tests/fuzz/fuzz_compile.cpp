@@ -1,5 +1,5 @@
-// Compiles the input as a pattern: status, error offset and node program as the model has them, and no
-// byte written outside the object.
+// Compiles the input as a pattern: status, error offset and node program as the model has them, and
+// no byte written outside the object.
 #include "differential/regexp_case.h"
 #include "fuzz_input.h"
 

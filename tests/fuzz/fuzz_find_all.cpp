@@ -1,5 +1,5 @@
-// Compiles a pattern and collects all its matches in a subject, as the model does, with room for few or
-// many records.
+// Compiles a pattern and collects all its matches in a subject, as the model does, with room for
+// few or many records.
 #include "differential/regexp_case.h"
 #include "fuzz_input.h"
 

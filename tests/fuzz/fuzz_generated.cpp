@@ -1,5 +1,5 @@
-// The input steers the generator of the differential test, so that every input is a meaningful pattern
-// with a subject that tends to match.
+// The input steers the generator of the differential test, so that every input is a meaningful
+// pattern with a subject that tends to match.
 #include "differential/regexp_case.h"
 #include "fuzz_input.h"
 

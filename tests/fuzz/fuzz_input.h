@@ -1,5 +1,6 @@
-// How the fuzz entry points cut their input: a few leading bytes choose options, the rest is split at
-// zero bytes into texts. Where library and model differ, the case is printed and the program stops.
+// How the fuzz entry points cut their input: a few leading bytes choose options, the rest is split
+// at zero bytes into texts. Where library and model differ, the case is printed and the program
+// stops.
 #pragma once
 
 #include <cstdint>
@@ -29,7 +30,8 @@ public:
         return result;
     }
     std::string rest(size_t longest) {
-        std::string result(reinterpret_cast<const char*>(bytes_), size_ < longest ? size_ : longest);
+        std::string result(reinterpret_cast<const char*>(bytes_),
+                           size_ < longest ? size_ : longest);
         size_ = 0;
         return result;
     }

@@ -1,4 +1,5 @@
-// Compiles a pattern and searches a subject for its first match, as the model does, to the exact step.
+// Compiles a pattern and searches a subject for its first match, as the model does, to the exact
+// step.
 #include "differential/regexp_case.h"
 #include "fuzz_input.h"
 

@@ -10,7 +10,8 @@ int main(void) {
     int count = 3, offset = 0;
 
     if (zelsRegExpInitAlloc("(\\w+) = (\\w+)", NULL, &pattern, &offset) != zelStatusOk) return 1;
-    if (zelsRegExpFind_8u((const Zel8u*)text, (int)strlen(text), pattern, found, &count) != 0) return 2;
+    if (zelsRegExpFind_8u((const Zel8u*)text, (int)strlen(text), pattern, found, &count) != 0)
+        return 2;
     printf("%d %.*s\n", count, found[2].lenMatch, (const char*)found[2].pMatch);
     zelsRegExpFree(pattern);
     return strcmp(zelchGetLibVersion()->libraryName, "libzelchmx.so.6.1") == 0 ? 0 : 3;

@@ -11,7 +11,8 @@ int main() {
     constexpr std::string_view text = "Ωmega";
     std::array<Zel16u, text.size()> units;
     int bytes = text.size(), count = units.size();
-    zelsConvertUTF_8u16u(reinterpret_cast<const Zel8u*>(text.data()), &bytes, units.data(), &count, 0);
+    zelsConvertUTF_8u16u(reinterpret_cast<const Zel8u*>(text.data()), &bytes, units.data(), &count,
+                         0);
     zelsLowercase_16u_I(units.data(), count);
     for (const Zel16u unit : std::span(units).first(count)) std::cout << std::hex << unit << ' ';
     std::cout << '\n';
