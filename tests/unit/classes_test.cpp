@@ -271,6 +271,41 @@ TEST(Unicode, NegatedCategoryOfAnUnlistedCodePointDoesNotMatch) {
     EXPECT_EQ(whole("\\P{Cn}", "\xCD\xB8"), (Span{0, 2}));
 }
 
+// A long search skips what no match can begin with; a short one tries every position.
+TEST(Unicode, LongSearchesFindTheCharactersThatShortOnesFind) {
+    std::vector<std::string> characters;
+    for (int byte = 0x80; byte < 0x100; ++byte) characters.emplace_back(1, static_cast<char>(byte));
+    for (unsigned c = 0x80; c < 0x800; ++c) {
+        characters.push_back(
+            {static_cast<char>(0xC0 | c >> 6), static_cast<char>(0x80 | (c & 63))});
+    }
+    for (unsigned c = 0x800; c < 0x10000; c += 97) {
+        characters.push_back({static_cast<char>(0xE0 | c >> 12),
+                              static_cast<char>(0x80 | (c >> 6 & 63)),
+                              static_cast<char>(0x80 | (c & 63))});
+    }
+    for (unsigned c = 0x10000; c < 0x200000; c += 997) {
+        characters.push_back(
+            {static_cast<char>(0xF0 | c >> 18), static_cast<char>(0x80 | (c >> 12 & 63)),
+             static_cast<char>(0x80 | (c >> 6 & 63)), static_cast<char>(0x80 | (c & 63))});
+    }
+    characters.push_back("\xF8\x88\x80\x80\x80");
+    characters.push_back("\xFD\xBF\xBF\xBF\xBF\xBF");
+    const std::string filler(40, '\x01');
+    for (const char* source :
+         {"[а-яё]", "[äöü]", "é", "(?i)[à-ö]", "(?i)é", "[^\\x01]", "[\\p{Lo}x]", "\\p{Lu}",
+          "\\p{M}", "\\p{Cn}", "\\p{Co}", "\\p{Greek}", "\\p{Han}", "\\p{InCyrillic}",
+          "[^\\x01а-я]", "[\\x{100}-\\x{FFFF}]", "[[:^cntrl:]]"}) {
+        Pattern pattern(source, nullptr, 1);
+        for (const std::string& character : characters) {
+            Spans expected = pattern.spans(character);
+            for (Span& span : expected) span.offset += static_cast<int>(filler.size());
+            ASSERT_EQ(pattern.spans(filler + character), expected)
+                << source << ' ' << testing::PrintToString(character);
+        }
+    }
+}
+
 TEST(Unicode, ScriptsAndBlocksCountCharacters) {
     EXPECT_EQ(whole("\\p{Linear_B}{2}", "\xF0\x90\x80\x80\xF0\x90\x80\x80"), (Span{0, 8}));
     EXPECT_EQ(whole("\\p{Greek}+", "a\xCE\xB1\xCE\xB2z"), (Span{1, 4}));

@@ -64,6 +64,10 @@ bool classAccepts(const Node& head, const Zel8u* text, int codePoint, int length
 // class_set.cpp
 /// Builds the set form of a bracket class.
 void buildClassSet(const Node& head, Zel32u flags, ClassSet& set);
+/// The bytes that an accepted character can begin with in UTF-8 text, and perhaps others: of a
+/// code-point node, of a bracket class.
+ByteSet firstBytesOfCodePoints(const Node& node, Zel32u flags);
+ByteSet firstBytesOfClass(const Node& head, Zel32u flags);
 /// classAccepts for a character of two bytes; notes in the set that its lead byte was met.
 bool learnClassAnswer(const Node& head, const Zel8u* text, int codePoint, Zel32u flags,
                       const ClassSet& set);

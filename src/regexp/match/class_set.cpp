@@ -123,7 +123,58 @@ uint64_t twoByteCharacters(const Node& member, Zel8u lead, Zel32u flags) {
     });
 }
 
+Zel32u leadByte(Zel32u codePoint) {
+    int continuation = 1;
+    while (continuation < 5 && codePoint > static_cast<Zel32u>(UTF8_table1[continuation]))
+        ++continuation;
+    return static_cast<Zel32u>(UTF8_table2[continuation]) | (codePoint >> (6 * continuation));
+}
+
+constexpr ByteSet kLeads = {{0, 0, 0, ~uint64_t{0}}};
+
+/// First bytes of the characters of several bytes that a node accepts, and perhaps others.
+ByteSet leadBytes(const Node& node, Zel32u flags) {
+    ByteSet leads = {};
+    if (node.kind == NodeUnicodeCategory) {
+        for (int i = 0; i < kUniGroupCount; ++i) {
+            if (((acceptedGroups(node) >> i) & 1) != 0) leads.words[3] |= UniGroupTbl[i].leads;
+        }
+        return leads;
+    }
+    if (node.kind == NodeUnicodeScript && node.count == 0) {
+        const UniPair* pairs = static_cast<const UniPair*>(node.data);
+        for (int i = 0; i < node.extra; ++i) {
+            if (pairs[i].last >= 0x80)
+                leads.addRange(leadByte(pairs[i].first), leadByte(pairs[i].last));
+        }
+        return leads;
+    }
+    const Span span = wideSpan(node, flags);
+    if (span.elsewhere) return kLeads;
+    if (span.first > span.last || span.first > kLastValue) return leads;
+    leads.addRange(leadByte(span.first), leadByte(span.last < kLastValue ? span.last : kLastValue));
+    return leads;
+}
+
 }  // namespace
+
+ByteSet firstBytesOfCodePoints(const Node& node, Zel32u flags) {
+    ByteSet bytes = oneByteCharacters(node, flags);
+    bytes.addAll(leadBytes(node, flags));
+    return bytes;
+}
+
+ByteSet firstBytesOfClass(const Node& head, Zel32u flags) {
+    ClassSet set;
+    buildClassSet(head, flags, set);
+    if (set.wide == ClassSet::kNoWide) return set.bytes;
+    for (int i = 1; i <= head.count; ++i) {
+        const Node& member = (&head)[i];
+        const bool inverted = isInverted(member) || head.value < 0;
+        set.bytes.addAll(inverted ? kLeads : leadBytes(member, flags));
+    }
+    return set.bytes;
+}
 
 void buildClassSet(const Node& head, Zel32u flags, ClassSet& set) {
     set.bytes = ByteSet{};

@@ -148,18 +148,13 @@ ByteSet Planner::atomBytes(int index, Zel32u flags) const {
         case NodeLetterRange:
             return shorthandBytes(node.value, flags);
         case NodeCharacterClass: {
+            if (utf8_) return firstBytesOfClass(node, flags);
             ClassSet set;
             buildClassSet(node, flags, set);
-            bytes = set.bytes;
-            if (utf8_ && set.wide != ClassSet::kNoWide) bytes.addRange(0xC0, 0xFF);
-            return bytes;
+            return set.bytes;
         }
-        default:  // code points: ASCII one by one, everything else together
-            for (int c = 0; c < 0x80; ++c) {
-                if (acceptsCodePoint(node, c, flags)) bytes.add(static_cast<unsigned>(c));
-            }
-            bytes.addRange(0x80, 0xFF);
-            return bytes;
+        default:
+            return firstBytesOfCodePoints(node, flags);
     }
 }
 
