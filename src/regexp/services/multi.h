@@ -49,7 +49,7 @@ struct Division {
 };
 
 /// Below this many bytes (slots times subject length) waking a team takes longer than searching.
-inline constexpr int64_t kTeamMinimumWork = 32 * 1024;
+inline constexpr int64_t kTeamMinimumWork = 64 * 1024;
 
 constexpr bool worthATeam(int capacity, int srcLen) {
     return int64_t{capacity} * srcLen >= kTeamMinimumWork;
