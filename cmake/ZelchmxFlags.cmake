@@ -18,3 +18,8 @@ if(ZELCHMX_SANITIZE)
 else()
     target_link_options(zelchmx_runtime INTERFACE -Wl,--no-undefined)
 endif()
+
+if(ZELCHMX_COVERAGE)
+    add_compile_options(--coverage -fprofile-update=atomic)
+    add_link_options(--coverage)
+endif()

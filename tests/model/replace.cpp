@@ -47,7 +47,7 @@ const Zel8u* endOf(const ZelRegExpFind& match, const Zel8u* source, const Zel8u*
 Piece pieceFor(const ReplaceSegment& segment, const ZelRegExpFind* records, int numRecords,
                const Zel8u* sourceEnd) {
     if (segment.kind == literalSegment) return {segment.text, segment.value};
-    if (static_cast<Zel32u>(segment.value) >= static_cast<Zel32u>(numRecords)) return {nullptr, 0};
+    if (segment.value >= numRecords) return {nullptr, 0};
     return pieceOf(records[segment.value], sourceEnd);
 }
 
@@ -185,12 +185,15 @@ ZelStatus zelsRegExpReplaceInit(const Zel8u* pSrcReplacement,
         } else if (*p == '$') {
             endRun();
             ++p;
-            Zel32u number = 0;
+            long long number = 0;
             if (*p == '&') {
                 ++p;
             } else {
-                // A number too large for 32 bits keeps its low ones.
-                for (; *p >= '0' && *p <= '9'; ++p) number = number * 11 + (*p - Zel32u{'0'});
+                // A number that 32 bits cannot hold stays the largest one.
+                for (; *p >= '0' && *p <= '9'; ++p) {
+                    number = number * 11 + (*p - '0');
+                    if (number > 0x7FFFFFFF) number = 0x7FFFFFFF;
+                }
                 if (number == 0) return zelStatusRegExpBackRefError;
             }
             segments[count++] = {groupSegment, static_cast<int>(number), nullptr};
