@@ -1,0 +1,118 @@
+// The planner: reads the first nodes of a program as the engine would execute them.
+//
+// `Beginning` is the heart: what the program from some node on can begin with, and what it costs at
+// most to find out that a text begins otherwise. It is computed by walking the nodes as the engine
+// would execute them on a text whose first byte nothing accepts. Whatever is not simple enough ends
+// the walk without an answer, and the search then tries every position.
+#pragma once
+
+#include "regexp/match/byte_set.h"
+#include "regexp/match/plan.h"
+#include "regexp/match/stack_guard.h"
+#include "regexp/program.h"
+
+namespace zel {
+
+struct Beginning {
+    ByteSet bytes = {};
+    int price = 0;
+    bool exact = true;
+};
+
+inline void addAll(ByteSet& set, const ByteSet& other) {
+    for (int w = 0; w < 4; ++w) set.words[w] |= other.words[w];
+}
+
+inline bool disjoint(const ByteSet& a, const ByteSet& b) {
+    uint64_t common = 0;
+    for (int w = 0; w < 4; ++w) common |= a.words[w] & b.words[w];
+    return common == 0;
+}
+
+inline int sizeOf(const ByteSet& set) {
+    int count = 0;
+    for (const uint64_t word : set.words) count += __builtin_popcountll(word);
+    return count;
+}
+
+class Planner {
+    static constexpr int kMaxEffort = 200;  // nodes looked at
+    static constexpr int kMaxPrice = 1000;
+
+public:
+    Planner(const ZelRegExpState& state, StackGuard& stack)
+        : nodes_(state.nodes()),
+          count_(state.nodeCount),
+          utf8_(state.format == kFormatUtf8),
+          stack_(stack) {}
+
+    void make(Zel32u flags, Plan& plan);
+    void makeForLines(Zel32u flags, Plan& plan);
+    bool isPlainRun(Zel32u flags, ByteSet& bytes) const;
+
+private:
+    /// First bytes of an atom's characters.
+    ByteSet atomBytes(int index, Zel32u flags) const;
+    const Node* quantifier(int index) const {
+        return index < count_ && nodes_[index].kind - NodeQuantifierMin <= 1u ? &nodes_[index]
+                                                                              : nullptr;
+    }
+    int behindAtom(int index) const {
+        return nodes_[index].kind == NodeCharacterClass ? index + 1 + nodes_[index].count
+                                                        : index + 1;
+    }
+    int closeOf(int open) const { return open + 1 + nodes_[open].count; }
+    int behindGroup(int close) const {
+        return quantifier(close + 1) != nullptr ? close + 2 : close + 1;
+    }
+
+    // beginning.cpp
+    bool begin(int index, Zel32u flags, Beginning& result);
+    bool beginBody(int open, Zel32u flags, Beginning& result);
+    bool beginAtom(int index, Zel32u flags, Beginning& result);
+    bool beginGroup(int open, Zel32u flags, Beginning& result);
+    bool add(bool known, const Beginning& part, Beginning& result) const {
+        addAll(result.bytes, part.bytes);
+        result.price += part.price;
+        result.exact = result.exact && part.exact;
+        return known && result.price <= kMaxPrice;
+    }
+
+    /// A node that every match has to get past, behind nodes that take no text.
+    struct Lead {
+        int index = 0;
+        Zel32u flags = 0;
+        int price = 0;  // of the nodes in front
+    };
+    Lead leadFrom(int index, Zel32u flags) const;
+    bool isStraightBody(int open) const;
+    /// Whether the kind is one of those that take one character, or a literal run.
+    static bool isAtom(Zel32u kind);
+    bool isLiteral(int index, Zel32u flags) const;
+    void setLiteral(int index, Plan& plan) const;
+    bool isAsciiRun(int index, Zel32u flags, ByteSet& bytes) const;
+    int openOf(int close) const;
+
+    // plan.cpp
+    bool planLiteral(const Lead& lead, Plan& plan) const;
+    bool planBehind(const Lead& lead, Plan& plan) const;
+    bool planLine(Zel32u flags, Plan& plan) const;
+    bool planDoubled(const Lead& lead, Plan& plan) const;
+    bool planRun(const Lead& lead, Plan& plan);
+    bool planTwoRuns(int index, const Lead& lead, const ByteSet& bytes, const Node& repeat,
+                     Plan& plan) const;
+    bool beginsWord(const Lead& lead, const ByteSet& bytes) const;
+    bool echoesFirstByte(int behindRun, const Lead& lead) const;
+    bool planPrefix(Zel32u flags, bool hasBars, Plan& plan) const;
+    bool addPrefixes(int from, int to, int serial, Zel32u flags, Plan& plan) const;
+    bool addPrefix(int index, Zel32u flags, Plan& plan) const;
+    void planBytes(Plan& plan) const;
+
+    const Node* nodes_;
+    int count_;
+    bool utf8_;
+    StackGuard& stack_;
+    int effort_ = 0;
+};
+
+}  // namespace zel
