@@ -2,8 +2,7 @@
 # A public name without documentation, or any other warning, fails the build.
 find_package(Doxygen 1.9.4)
 find_program(AWK NAMES awk mawk gawk)
-find_program(SED NAMES sed)
-if(NOT DOXYGEN_FOUND OR NOT AWK OR NOT SED)
+if(NOT DOXYGEN_FOUND OR NOT AWK)
     message(STATUS "The reference needs Doxygen; it is not built")
     return()
 endif()
@@ -12,7 +11,7 @@ set(reference_dir ${PROJECT_BINARY_DIR}/reference)
 set(filter ${PROJECT_SOURCE_DIR}/docs/header_for_doxygen.awk)
 file(GLOB reference_examples CONFIGURE_DEPENDS examples/families/*.c)
 set(reference_sources
-    ${PROJECT_SOURCE_DIR}/include/zelchmx.h ${filter} ${PROJECT_SOURCE_DIR}/docs/man_pages.sed
+    ${PROJECT_SOURCE_DIR}/include/zelchmx.h ${filter} ${PROJECT_SOURCE_DIR}/docs/man_page.awk
     ${reference_examples})
 
 # Doxygen runs once for each format, since each wants the header prepared in its own way.
@@ -29,7 +28,7 @@ add_custom_command(OUTPUT ${reference_dir}/html/index.html
 add_custom_command(OUTPUT ${reference_dir}/man/man3/zelchmx_search.3
     COMMAND ${CMAKE_COMMAND} -E rm -rf ${reference_dir}/man
     COMMAND Doxygen::doxygen ${reference_dir}/Doxyfile.MAN
-    COMMAND sh -c "${SED} -i -f '${PROJECT_SOURCE_DIR}/docs/man_pages.sed' '${reference_dir}'/man/man3/zelchmx_*.3"
+    COMMAND sh -c "cd '${reference_dir}/man/man3' && for page in zelchmx_*.3; do ${AWK} -f '${PROJECT_SOURCE_DIR}/docs/man_page.awk' $page > finished && mv finished $page || exit 1; done"
     DEPENDS ${reference_sources} ${reference_dir}/Doxyfile.MAN
     COMMENT "Making the manual pages" VERBATIM)
 add_custom_target(reference ALL

@@ -7,10 +7,10 @@
 #   - a section line /* ---- Title ---- */ opens a group with that title, and the example of the
 #     same name from examples/families is shown there;
 #   - indented lines of a comment keep their layout.
-# With format=MAN it prepares the header for manual pages. Doxygen would turn quotes there into apostrophes
-# and lose the backslashes of an included program, so quotes become the byte 1 and programs are given
-# as text, with byte 2 for the slash that would end the comment around them. docs/man_pages.sed puts
-# both back.
+# With format=MAN it prepares the header for manual pages. Doxygen would turn quotes there into
+# apostrophes and lose the backslashes of an included program, so quotes become the byte 1 and programs
+# are given as text, with byte 2 for the slash that would end the comment around them.
+# docs/man_page.awk puts both back.
 
 # Protects what would be a command.
 function plain(text) {

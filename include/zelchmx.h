@@ -1215,11 +1215,11 @@ ZEL_API ZelStatus zelsRegExpMultiModify(const ZelRegExpState* pRegExpState, Zel3
  * Threads. Let T be ownGetNumThreads() of libzelcore, which is the OpenMP default: the number of
  * processors, or OMP_NUM_THREADS. A set of at most T slots, empty ones included, is searched slot
  * by slot on the calling thread, in the patterns' own scratch memory. A larger set is divided once:
- * each of N threads takes capacity / N consecutive slots and the last one the remainder too. So give
- * a set a multiple of T slots, and put costly patterns far apart. Where OpenMP allows no further
- * threads, as inside a parallel region of the caller's, and where the subject is so short that waking
- * threads would take longer than the search, the calling thread does all of it. The results are the
- * same in every case.
+ * each of N threads takes capacity / N consecutive slots and the last one the remainder too. So
+ * give a set a multiple of T slots, and put costly patterns far apart. Where OpenMP allows no
+ * further threads, as inside a parallel region of the caller's, and where the subject is so short
+ * that waking threads would take longer than the search, the calling thread does all of it. The
+ * results are the same in every case.
  *
  * A larger set is searched with 48,000 bytes of scratch memory on each thread's stack, so the same
  * pattern may stand in several slots, and in sets of other threads.

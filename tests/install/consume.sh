@@ -69,6 +69,10 @@ if [ -d "$prefix/share/man/man3" ]; then
         man -M "$prefix/share/man" -P cat 3 zelsFind_8u >page.txt 2>/dev/null
         grep -q zelsFindRev_16u page.txt || { echo "man zelsFind_8u shows:"; cat page.txt; exit 1; }
     fi
+    for name in "${names[@]}"; do
+        zgrep -qE "^zelchmx_.*\\b$name\\b.* .- " "$prefix"/share/man/man3/zelchmx_*.3* ||
+            { echo "apropos would not find $name"; exit 1; }
+    done
 else
     echo "   none: built without Doxygen"
 fi
