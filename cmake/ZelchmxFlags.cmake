@@ -10,7 +10,7 @@ target_compile_options(zelchmx_runtime INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>
     -fvisibility=hidden -fvisibility-inlines-hidden -fno-plt -ffunction-sections -fdata-sections)
 target_link_options(zelchmx_runtime INTERFACE
-    -Wl,-z,relro,-z,now -Wl,-z,noexecstack -Wl,-z,text -Wl,--gc-sections)
+    -Wl,-z,relro,-z,now -Wl,-z,noexecstack -Wl,-z,text -Wl,--gc-sections -Wl,--as-needed)
 
 if(ZELCHMX_SANITIZE)
     add_compile_options(-fsanitize=${ZELCHMX_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
