@@ -449,6 +449,17 @@ TEST(ReplaceAll, EveryCapacityGivesTheLengthsOfTheTable) {
     }
 }
 
+TEST(Replace, GapsTextsAndReferencesOfEveryLengthAreCopied) {
+    std::string letters;
+    for (int i = 0; i < 40; ++i) letters += static_cast<char>('0' + i);
+    for (int n = 0; n <= 40; ++n) {
+        const std::string piece = letters.substr(0, static_cast<size_t>(n));
+        const std::string source = piece + "<" + piece + ">";
+        checkAll(source, {{{n, 1}, {n + 1, n}}}, piece + "$1");
+        checkFirst(source, {{n, 1}, {n + 1, n}}, piece + "$1");
+    }
+}
+
 // A lazy quantifier may report a length that leads behind the source.
 TEST(Replace, AMatchNeverReadsBehindTheSource) {
     for (const char* text : kTemplates) {

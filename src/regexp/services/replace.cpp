@@ -85,6 +85,31 @@ ZelStatus parseTemplate(const Zel8u* text, ZelRegExpReplaceState* state) {
     return zelStatusOk;
 }
 
+/// Copies a first and a last part of N bytes each, which overlap when n is less than twice that.
+template <size_t N>
+void copyEnds(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+    Zel8u first[N], last[N];
+    memcpy(first, src, N);
+    memcpy(last, src + n - N, N);
+    memcpy(dst, first, N);
+    memcpy(dst + n - N, last, N);
+}
+
+/// Copies a piece of the source or of the template, which are mostly a few bytes long.
+void copyPiece(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+    if (n > 32) {
+        ownsCopy_8u(src, dst, n);
+    } else if (n >= 16) {
+        copyEnds<16>(src, dst, n);
+    } else if (n >= 8) {
+        copyEnds<8>(src, dst, n);
+    } else if (n >= 4) {
+        copyEnds<4>(src, dst, n);
+    } else {
+        for (ptrdiff_t i = 0; i < n; ++i) dst[i] = src[i];
+    }
+}
+
 /// The offset at which a match ends, inside the source whatever its record says.
 ptrdiff_t matchEnd(const Replacement& job, const ZelRegExpFind& match) {
     const ptrdiff_t end = (match.pMatch - job.source) + match.lenMatch;
@@ -108,7 +133,7 @@ ptrdiff_t expand(const Replacement& job, const ZelRegExpFind* records, int recor
             length = std::min<ptrdiff_t>(records[group].lenMatch, sourceEnd - piece);
         }
         if (room <= expanded + length) return kRefused;
-        ownsCopy_8u(piece, out + expanded, length);
+        copyPiece(piece, out + expanded, length);
         expanded += length;
     }
     return expanded;
@@ -148,7 +173,7 @@ ReplaceLengths replaceAll(const Replacement& job, const ZelRegExpFind* records, 
         const ptrdiff_t gap = start - current;
         if (gap > 0) {
             if (gap >= job.capacity - written) return {current, written};
-            ownsCopy_8u(job.source + current, job.destination + written, gap);
+            copyPiece(job.source + current, job.destination + written, gap);
             written += gap;
         }
         const ptrdiff_t expanded =
