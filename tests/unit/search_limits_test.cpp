@@ -1,6 +1,7 @@
 // What bounds a search: the machine stack, the subject's memory, and nothing else.
 #include <limits.h>
 #include <pthread.h>
+#include <time.h>
 
 #include <functional>
 #include <thread>
@@ -148,6 +149,27 @@ TEST(Stack, SmallestThreadsSearchOrGiveUp) {
                     << pattern << " with a stack of " << stack;
             }
         }
+    }
+}
+
+// ---- Time ---------------------------------------------------------------------------------------
+
+TEST(Time, LazyLoopsGiveUpWhenTheBudgetHasEnded) {
+    // Thousands of loops are open when the budget ends; none may walk to the end of the text.
+    const std::string letters(2000000, 'a');
+    const std::string characters = repeated("\xC4\x81", 1000000);
+    const auto expectQuick = [](const char* pattern, const std::string& text) {
+        const clock_t start = clock();
+        EXPECT_EQ(Pattern(pattern).find(text).status, zelStatusRegExpMatchLimitError) << pattern;
+        EXPECT_LT(clock() - start, 5 * CLOCKS_PER_SEC) << pattern;
+    };
+    for (const char* pattern : {"(?:[^y]*?[a])*[yz]", "(?:.*?[a])*[yz]", "(?:a*?[a])*[yz]",
+                                "(?:\\C*?[a])*[yz]", "([a])(?:\\1*?[a])*[yz]"}) {
+        expectQuick(pattern, letters);
+    }
+    for (const char* pattern : {"(?:\\pL*?\\pL)*[yz]", "(?:\\X*?\\pL)*[yz]",
+                                "(?:\\x{101}*?\\x{101})*[yz]", "(?:\\x{101}*?\\pL)*[yz]"}) {
+        expectQuick(pattern, characters);
     }
 }
 

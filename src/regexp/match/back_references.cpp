@@ -81,7 +81,7 @@ int ownsNodeBackReferenceQuantifierMin(const Zel8u* text, int length, RegExpMatc
     for (int count = quantifier.value;; ++count) {
         if (runFrom(rest, text + offset, length - offset, context) == 0) return 0;
         // An empty copy would only lead to the same place again.
-        if (count >= quantifier.count || reference.size <= 0 ||
+        if (count >= quantifier.count || reference.size <= 0 || isHopeless(context) ||
             !reference.copyAt(text + offset, length - offset)) {
             break;
         }

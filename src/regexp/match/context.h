@@ -30,6 +30,12 @@ struct RegExpMatchContext {
     CaptureRecord* captures;
     GroupFrame* groups;
     const Zel8u* reached;  // where the last (sub)program that succeeded ended
+    int lazyCodePoints;    // whether the program has some: 0, 1, or -1 when nobody has asked yet
+    struct {
+        int node;  // -1 for none
+        const Zel8u* start;
+        const Zel8u* end;
+    } lazyRun;  // the last run of a lazy code point that was measured after the budget's end
     StackGuard stack;
     ClassCache classes;
 
@@ -86,6 +92,11 @@ NodeFunction ownsNodeAnyByteQuantifierMin;
 NodeFunction ownsNodeLetterQuantifierMinUtf8;
 NodeFunction ownsNodeLetterQuantifierMinUnicodeBlock;
 NodeFunction ownsNodeLetterQuantifierMinCombLetter;
+
+/// Whether nothing can succeed any more: the budget has ended, and no lazy code point waits that
+/// would report success all the same. A loop that goes on trying must ask, or it would walk through
+/// the rest of the text for nothing.
+bool isHopeless(RegExpMatchContext& context);
 
 /// The quantifier node right behind node `index`, or null.
 inline const Node* quantifierAt(const RegExpMatchContext& context, int index) {

@@ -101,6 +101,8 @@ public:
         context_.captures = work.captures;
         context_.groups = work.groups;
         context_.end = state.nodeCount;
+        context_.lazyCodePoints = -1;
+        context_.lazyRun.node = -1;
         context_.stack.start();
         context_.classes.clear();
     }

@@ -61,6 +61,7 @@ int ownsNodeAnyByteQuantifierMin(const Zel8u* text, int length, RegExpMatchConte
     for (; taken <= max; ++taken, ++whole.length) {
         if (hint < 0 || text[taken] == hint) {
             if (runFrom(rest, text + taken, length - taken, context) == 0) return 0;
+            if (isHopeless(context)) break;
         }
     }
     whole.length -= taken;
@@ -81,7 +82,9 @@ int ownsNodeCharacterClassQuantifierMin(const Zel8u* text, int length,
     for (;;) {
         if (runFrom(behind + 1, text + run.offset, length - run.offset, context) == 0) return 0;
         const int before = run.offset;
-        if (run.count >= quantifier.count || !run.take(text, length, run.count + 1, matches)) break;
+        if (isHopeless(context) || run.count >= quantifier.count ||
+            !run.take(text, length, run.count + 1, matches))
+            break;
         whole.length += run.offset - before;
     }
     whole.length -= run.offset;

@@ -49,12 +49,50 @@ bool hasHint(const RegExpMatchContext& context) {
     }
 }
 
+bool hasLazyCodePoint(const RegExpMatchContext& context) {
+    for (int i = 0; i + 1 < context.nodeCount; ++i) {
+        if (context.nodes[i].kind == NodeLetterUtf8 &&
+            context.nodes[i + 1].kind == NodeQuantifierMin) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// The end of the run of a lazy code point's characters that starts at `start`. When the budget has
+/// ended, one repetition after the other looks for the end of the same run, from further left each
+/// time; so the last one is remembered.
+template <typename Matches>
+const Zel8u* endOfLazyRun(int node, const Zel8u* start, RegExpMatchContext& context,
+                          const Matches& matches) {
+    auto& known = context.lazyRun;
+    const Zel8u* end = start;
+    while (end < context.textEnd) {
+        if (known.node == node && known.start == end) {
+            end = known.end;
+            break;
+        }
+        const int taken = matches(end);
+        if (taken == 0) break;
+        end += taken;
+    }
+    known = {node, start, end};
+    return end;
+}
+
 }  // namespace
+
+bool isHopeless(RegExpMatchContext& context) {
+    if (context.steps >= 0) return false;
+    if (context.lazyCodePoints < 0) context.lazyCodePoints = hasLazyCodePoint(context);
+    return context.lazyCodePoints == 0;
+}
 
 int ownsNodeLetterQuantifierMinUtf8(const Zel8u* text, int length, RegExpMatchContext& context) {
     CaptureRecord& whole = context.captures[0];
-    const Node& letter = context.nodes[context.node];
-    const int rest = context.node + 2;
+    const int index = context.node;
+    const Node& letter = context.nodes[index];
+    const int rest = index + 2;
     const int limit = repetitionLimit(context, length);
     const bool hinted = hasHint(context);
     const auto matches = codePointMatcher(context);
@@ -67,10 +105,14 @@ int ownsNodeLetterQuantifierMinUtf8(const Zel8u* text, int length, RegExpMatchCo
         if (!hinted || decodeUtf8(position, length - run.offset).value == letter.value) {
             if (runFrom(rest, position, length - run.offset, context) == 0) return 0;
         }
-        const int taken = matches(position);
+        int taken = matches(position);
         if (taken == 0) {
             context.reached = position;
             return 0;  // another character ends the repetition as a success
+        }
+        if (context.steps < 0 && limit == length) {
+            // Nothing is tried any more, and there are not more characters than may be taken.
+            taken = static_cast<int>(endOfLazyRun(index, position, context, matches) - position);
         }
         whole.length += taken;
         run.offset += taken;
@@ -92,6 +134,7 @@ int ownsNodeLetterQuantifierMinUnicodeBlock(const Zel8u* text, int length,
         const Zel8u* position = text + run.offset;
         if (matches(position) != 0) {
             if (runFrom(rest, position, length - run.offset, context) == 0) return 0;
+            if (isHopeless(context)) return 1;
         }
         const int taken = utf8Length(position, length - run.offset);
         whole.length += taken;
@@ -115,7 +158,7 @@ int ownsNodeLetterQuantifierMinCombLetter(const Zel8u* text, int length,
     while (run.count <= limit) {
         const Zel8u* position = text + run.offset;
         if (runFrom(rest, position, length - run.offset, context) == 0) return 0;
-        if (run.offset >= length) return 1;
+        if (run.offset >= length || isHopeless(context)) return 1;
         const int taken = measureCombiningSequence(position, end);
         whole.length += taken;
         run.offset += taken;

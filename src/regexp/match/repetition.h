@@ -66,6 +66,7 @@ int repeatLazy(const Zel8u* text, int length, RegExpMatchContext& context, const
         const Zel8u* position = text + run.offset;
         if (hint < 0 || *position == hint) {  // at the end, the byte behind the text decides
             if (runFrom(rest, position, length - run.offset, context) == 0) return 0;
+            if (isHopeless(context)) return 1;
         }
         if (run.offset >= length) return 1;
         const int taken = matches(position);
