@@ -1,6 +1,8 @@
 // The exported editing, concatenation and splitting functions. Sums of indices and lengths are
 // formed in 64 bits, and the entries of a list are checked only when the work reaches them.
-#include "string/kernels/edit.h"
+#include "string/edit.h"
+
+#include "core/block.h"
 #include "core/checks.h"
 #include "string/kernels/isa.h"
 #include "zelchmx.h"
@@ -10,8 +12,7 @@ namespace zel::ZEL_ISA {
 namespace {
 
 template <typename T>
-ZEL_INLINE ZelStatus insert(const T* src, int len, const T* inserted, int lenInsert, T* dst,
-                            int start) {
+ZelStatus insert(const T* src, int len, const T* inserted, int lenInsert, T* dst, int start) {
     if (anyNull(src, inserted, dst)) return zelStatusNullPointer;
     if (anyNegative(len, lenInsert, start) || start > len) return zelStatusLengthError;
     // An empty insertion leaves the destination alone; it does not even receive the source.
@@ -21,8 +22,7 @@ ZEL_INLINE ZelStatus insert(const T* src, int len, const T* inserted, int lenIns
 }
 
 template <typename T>
-ZEL_INLINE ZelStatus insertInPlace(const T* inserted, int lenInsert, T* srcDst, int* srcDstLen,
-                                   int start) {
+ZelStatus insertInPlace(const T* inserted, int lenInsert, T* srcDst, int* srcDstLen, int start) {
     if (anyNull(inserted, srcDst, srcDstLen)) return zelStatusNullPointer;
     const int len = *srcDstLen;
     if (anyNegative(lenInsert, len, start) || start > len) return zelStatusLengthError;
@@ -38,7 +38,7 @@ constexpr bool isRange(int start, int lenRemove, int len) {
 }
 
 template <typename T>
-ZEL_INLINE ZelStatus remove(const T* src, int len, T* dst, int start, int lenRemove) {
+ZelStatus remove(const T* src, int len, T* dst, int start, int lenRemove) {
     if (anyNull(src, dst)) return zelStatusNullPointer;
     if (!isRange(start, lenRemove, len)) return zelStatusLengthError;
     removeElements(src, len, dst, start, lenRemove);
@@ -46,7 +46,7 @@ ZEL_INLINE ZelStatus remove(const T* src, int len, T* dst, int start, int lenRem
 }
 
 template <typename T>
-ZEL_INLINE ZelStatus removeInPlace(T* srcDst, int* srcDstLen, int start, int lenRemove) {
+ZelStatus removeInPlace(T* srcDst, int* srcDstLen, int start, int lenRemove) {
     if (anyNull(srcDst, srcDstLen)) return zelStatusNullPointer;
     const int len = *srcDstLen;
     if (!isRange(start, lenRemove, len)) return zelStatusLengthError;
@@ -56,7 +56,7 @@ ZEL_INLINE ZelStatus removeInPlace(T* srcDst, int* srcDstLen, int start, int len
 }
 
 template <typename T>
-ZEL_INLINE ZelStatus replaceC(const T* src, T* dst, int len, T valOld, T valNew) {
+ZelStatus replaceC(const T* src, T* dst, int len, T valOld, T valNew) {
     if (anyNull(src, dst)) return zelStatusNullPointer;
     if (anyNegative(len)) return zelStatusLengthError;
     replaceElement(src, dst, len, valOld, valNew);
@@ -64,7 +64,7 @@ ZEL_INLINE ZelStatus replaceC(const T* src, T* dst, int len, T valOld, T valNew)
 }
 
 template <typename T>
-ZEL_INLINE ZelStatus concat(const T* src1, int len1, const T* src2, int len2, T* dst) {
+ZelStatus concat(const T* src1, int len1, const T* src2, int len2, T* dst) {
     if (anyNull(src1, src2, dst)) return zelStatusNullPointer;
     if (anyNegative(len1, len2)) return zelStatusLengthError;
     copyElements(src1, dst, len1);
@@ -73,7 +73,7 @@ ZEL_INLINE ZelStatus concat(const T* src1, int len1, const T* src2, int len2, T*
 }
 
 template <typename T>
-ZEL_INLINE ZelStatus concatList(const T* const* srcs, const int* lens, int numSrc, T* dst) {
+ZelStatus concatList(const T* const* srcs, const int* lens, int numSrc, T* dst) {
     if (anyNull(srcs, lens, dst)) return zelStatusNullPointer;
     if (numSrc < 1) return zelStatusSizeError;
     for (int i = 0; i < numSrc; ++i) {
@@ -86,27 +86,21 @@ ZEL_INLINE ZelStatus concatList(const T* const* srcs, const int* lens, int numSr
 }
 
 template <typename T>
-ZEL_INLINE ZelStatus concatListC(const T* const* srcs, const int* lens, int numSrc, T delim,
-                                 T* dst) {
+ZelStatus concatListC(const T* const* srcs, const int* lens, int numSrc, T delim, T* dst) {
     if (anyNull(srcs, lens, dst)) return zelStatusNullPointer;
     if (numSrc < 1) return zelStatusSizeError;
-    const Vec<T> delims = Vec<T>::splat(delim);
     for (int i = 0; i < numSrc; ++i) {
         if (anyNull(srcs[i])) return zelStatusNullPointer;
         if (anyNegative(lens[i])) return zelStatusLengthError;
-        if (i == 0) {
-            copyElements(srcs[i], dst, lens[i]);
-            dst += lens[i];
-        } else {
-            dst = joinElements(delims, delim, srcs[i], lens[i], dst);
-        }
+        if (i > 0) *dst++ = delim;
+        copyElements(srcs[i], dst, lens[i]);
+        dst += lens[i];
     }
     return zelStatusOk;
 }
 
 template <typename T>
-ZEL_INLINE ZelStatus splitC(const T* src, int len, T delim, T* const* slots, int* slotLens,
-                            int* numSlots) {
+ZelStatus splitC(const T* src, int len, T delim, T* const* slots, int* slotLens, int* numSlots) {
     if (anyNull(src, slots, slotLens, numSlots)) return zelStatusNullPointer;
     if (anyNegative(len)) return zelStatusLengthError;
     if (*numSlots < 1) return zelStatusSizeError;

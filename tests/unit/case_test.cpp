@@ -1,5 +1,5 @@
 // Case conversion, and the tables behind it.
-#include "string/case_tables.h"
+#include "string/case.h"
 
 #include <limits.h>
 

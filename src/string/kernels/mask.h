@@ -47,11 +47,4 @@ struct MaskHits {
     friend ZEL_INLINE MaskHits operator|(MaskHits a, MaskHits b) { return {a.lanes | b.lanes}; }
 };
 
-/// Elements from p up to the next vector boundary: at least one and at most a vector, for a p that
-/// is aligned to its own size.
-template <typename T>
-ZEL_INLINE ptrdiff_t toBoundary(const T* p) {
-    constexpr size_t kBytes = Vec<T>::kBytes;
-    return static_cast<ptrdiff_t>((kBytes - reinterpret_cast<uintptr_t>(p) % kBytes) / sizeof(T));
-}
 }  // namespace zel::ZEL_ISA
