@@ -64,13 +64,17 @@ CrashReporter::CrashReporter() {
     stack_t alternate{};
     alternate.ss_sp = stack;
     alternate.ss_size = sizeof stack;
-    sigaltstack(&alternate, nullptr);
+    sigaltstack(&alternate, &previous_);
     struct sigaction action {};
     action.sa_handler = onSignal;
     action.sa_flags = SA_ONSTACK;
     for (int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGALRM}) {
         sigaction(signal, &action, nullptr);
     }
+}
+
+CrashReporter::~CrashReporter() {
+    sigaltstack(&previous_, nullptr);
 }
 
 void CrashReporter::running(const std::function<std::string()>* describe) {
