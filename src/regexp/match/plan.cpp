@@ -268,6 +268,7 @@ void Planner::make(Zel32u flags, Plan& plan) {
     const bool fewBytes = sizeOf(all.bytes) <= 3;
     if (bar == count_ && !fewBytes && (planDoubled(lead, plan) || planRun(lead, plan))) return;
     plan.first = all.bytes;
+    if (bar == count_ && planRequired(flags, plan)) return;
     if (planPrefix(flags, bar != count_, plan) && (plan.alternatives > 1 || !fewBytes)) return;
     plan.price = all.price;
     plan.exact = all.exact;

@@ -9,6 +9,7 @@
 #pragma once
 
 #include "regexp/match/byte_set.h"
+#include "regexp/match/hopeless_run.h"
 #include "regexp/match/stack_guard.h"
 #include "regexp/program.h"
 #include "string/kernels/api.h"
@@ -27,6 +28,7 @@ struct Plan {
         kRun,  // a match begins with a run of bytes of `first` and one of `behind` directly behind
                // it
         kRunLiteral,  // a match begins with bytes of `first` and `literal` directly behind them
+        kRequired,    // a match takes bytes of `first` up to one of `behind`
         kSet,         // a match begins with a byte of `first`
     };
     Kind kind;
@@ -49,7 +51,10 @@ struct Plan {
     int alternatives;  // in `prefix`
     int byteCount;
     Zel8u bytes[3];
-    kernels::PrefixTables prefix;
+    union {
+        kernels::PrefixTables prefix;
+        int64_t bills[HopelessRun::kLongest + 1];  // for kRequired: of a run of so many bytes
+    };
 
     /// No plan yet. The rest of the members is for makePlan to fill: most searches never get that
     /// far.
@@ -70,8 +75,11 @@ private:
     const Zel8u* nextRun(const Zel8u* from, const Zel8u* start, const Zel8u* end) const;
     const Zel8u* runsStart(const Zel8u* from, const Zel8u* end) const;
     const Zel8u* nextRunLiteral(const Zel8u* from, const Zel8u* end);
+    const Zel8u* nextRequired(const Zel8u* from, const Zel8u* end);
+    int64_t billForRuns(const Zel8u* from, const Zel8u* to) const;
 
-    const Zel8u* wide_;  // the first byte of a longer character, once looked for
+    const Zel8u* wide_;      // the first byte of a longer character, once looked for
+    const Zel8u* required_;  // the byte of `behind` at the end of the run last found
 };
 
 /// Draws up a plan for the pattern, or none where the stack is too short for it. `lines` says that

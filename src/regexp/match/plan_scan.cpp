@@ -25,7 +25,7 @@ void Plan::clear() {
     lines = exact = ignoreCase = avoidsWide = hasSecond = wordStart = echoes = false;
     price = runPrice = literalLength = alternatives = byteCount = 0;
     min = max = 1;
-    literal = wide_ = nullptr;
+    literal = wide_ = required_ = nullptr;
     first = behind = second = {};
 }
 
@@ -59,6 +59,8 @@ const Zel8u* Plan::next(const Zel8u* from, const Zel8u* start, const Zel8u* end)
             return nextRun(from, start, end);
         case kRunLiteral:
             return nextRunLiteral(from, end);
+        case kRequired:
+            return nextRequired(from, end);
         case kSet:
             break;
     }
@@ -159,6 +161,33 @@ const Zel8u* Plan::nextRunLiteral(const Zel8u* from, const Zel8u* end) {
     return end;
 }
 
+const Zel8u* Plan::nextRequired(const Zel8u* from, const Zel8u* end) {
+    if (required_ != nullptr && from < required_) return from;  // in the run last found
+    for (const Zel8u* position = from; position < end; ++position) {
+        position += kernels::findByteIn(position, distance(position, end), behind.words);
+        if (position == end) break;
+        const Zel8u* begin = runStart(from, position, first);
+        required_ = position;
+        if (begin < position) return begin;
+    }
+    return end;
+}
+
+/// The bytes between the runs, and the runs.
+int64_t Plan::billForRuns(const Zel8u* from, const Zel8u* to) const {
+    int64_t sum = 0;
+    int run = 0;
+    for (const Zel8u* p = from; p < to; ++p) {
+        if (first.has(*p)) {
+            if (++run > HopelessRun::kLongest) return HopelessRun::kBeyondBudgets;
+        } else {
+            sum += bills[run] + price;
+            run = 0;
+        }
+    }
+    return sum + bills[run];
+}
+
 int64_t Plan::bill(const Zel8u* from, const Zel8u* to) const {
     // Of long runs only that they exceed every budget counts.
     constexpr int64_t kBeyondBudgets = int64_t{1} << 32;
@@ -167,6 +196,7 @@ int64_t Plan::bill(const Zel8u* from, const Zel8u* to) const {
         return sum < kBeyondBudgets ? sum : kBeyondBudgets;
     };
     const int length = distance(from, to);
+    if (kind == kRequired) return billForRuns(from, to);
     if (lines) return static_cast<int64_t>(length) * (price + runPrice);
     int64_t sum = static_cast<int64_t>(length) * price;
     if (kind == kLine) sum += 4;

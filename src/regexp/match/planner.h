@@ -108,6 +108,11 @@ private:
     bool addPrefix(int index, Zel32u flags, Plan& plan) const;
     void planBytes(Plan& plan) const;
 
+    // plan_required.cpp
+    /// plan.first holds what a match can begin with.
+    bool planRequired(Zel32u flags, Plan& plan) const;
+    bool addAsciiBytes(int index, Zel32u flags, ByteSet& bytes) const;
+
     const Node* nodes_;
     int count_;
     bool utf8_;
