@@ -15,6 +15,7 @@
 #include "regexp/match/first_letter.h"
 #include "regexp/match/plan.h"
 #include "regexp/match/predicates.h"
+#include "regexp/match/required.h"
 #include "string/utf8.h"
 
 namespace zel {
@@ -80,6 +81,14 @@ Anchor anchorOf(const ZelRegExpState& state, bool hasBars) {
     return optional ? Anchor::kNone : Anchor::kStart;
 }
 
+/// Whether a literal run comes first, or right behind assertions.
+bool beginsWithLiteral(const ZelRegExpState& state) {
+    const Node* nodes = state.nodes();
+    int i = 0;
+    while (i < state.nodeCount && nodes[i].kind == NodePosition) ++i;
+    return i < state.nodeCount && nodes[i].kind == NodeString;
+}
+
 /// How a search pays for start positions that it need not try. What it skips may be paid with an
 /// upper bound: as long as the budget suffices, nobody can tell. When it does not, the whole call
 /// is done over, trying every position.
@@ -89,7 +98,9 @@ class Search {
 public:
     Search(const WorkAreas& work, const Zel8u* text, int length, const ZelRegExpState& state,
            Pay pay)
-        : state_(state), pay_(pay) {
+        : state_(state),
+          pay_(pay),
+          attemptsBeforePlanning_(pay == Pay::kUpperBound ? kAttemptsBeforePlanning : 0) {
         context_.noEmpty = 0;
         context_.numCaptures = state.groupCount;
         context_.steps = state.matchLimit;
@@ -126,11 +137,11 @@ public:
         for (const Zel8u* position = startAt(start); position != nullptr;
              position = after(position)) {
             if (outOfBudget()) return false;  // every further attempt fails at once
+            if (attemptsBeforePlanning_ > 0 && --attemptsBeforePlanning_ == 0)
+                makePlan(state_, anchor_ == Anchor::kLineStart, context_.stack, plan_);
             if (plan_.kind != Plan::kNone) {
                 position = skipFrom(position);
                 if (position == nullptr) return false;
-            } else if (pay_ == Pay::kUpperBound && ++attempts_ == kAttemptsBeforePlanning) {
-                makePlan(state_, anchor_ == Anchor::kLineStart, context_.stack, plan_);
             }
             if (attempt(position)) return true;
         }
@@ -166,7 +177,8 @@ public:
     }
 
 private:
-    // A plan costs as much as some attempts, and pays when there are many.
+    // A plan costs as much as some attempts, and pays when there are many. The plan for a literal
+    // costs next to nothing.
     static constexpr int kAttemptsBeforePlanning = 8;
 
     /// The first allowed start position at or behind `start`, null when there is none.
@@ -210,6 +222,7 @@ private:
         if (firstBar_ >= 0) return;
         firstBar_ = topLevelBar(state_, 0);
         anchor_ = anchorOf(state_, firstBar_ != state_.nodeCount);
+        if (attemptsBeforePlanning_ > 1 && beginsWithLiteral(state_)) attemptsBeforePlanning_ = 1;
     }
 
     /// Whether the alternative begins with a literal whose first byte is not there: one step, and
@@ -242,7 +255,7 @@ private:
     int firstBar_ = -1;  // node of the first top-level bar, -1 until looked for
     Anchor anchor_ = Anchor::kNone;
     bool guessed_ = false;
-    int attempts_ = 0;
+    int attemptsBeforePlanning_;  // 0: the plan has been made, or none is wanted
     Plan plan_;
     RegExpMatchContext context_;
 };
@@ -312,11 +325,15 @@ ZelStatus findAll(Search& search, const Zel8u* text, int numCaptures, bool whole
 
 ZelStatus searchWith(const WorkAreas& work, const Zel8u* pSrc, int srcLen,
                      const ZelRegExpState* pRegExpState, ZelRegExpFind* pResult, int* pNumFind,
-                     int wholeMatchToo) {
+                     int wholeMatchToo, const TextPairs* pairs) {
     if (anyNull(pSrc, pRegExpState, pResult)) return zelStatusNullPointer;
     if (anyNegative(srcLen)) return zelStatusLengthError;
     if (*pNumFind < 1) return zelStatusSizeError;
     if (pRegExpState->magic != kRegExpMagic) return zelStatusContextMatchError;
+    if (pairs != nullptr && surelyFindsNothing(*pRegExpState, *pairs)) {
+        *pNumFind = 0;
+        return zelStatusOk;
+    }
 
     const int length = narrowedLength(pSrc, srcLen, *pRegExpState);
     const int numCaptures = pRegExpState->groupCount;

@@ -14,6 +14,7 @@
 #include "core/checks.h"
 #include "core/memory.h"
 #include "regexp/match/driver.h"
+#include "regexp/match/required.h"
 #include "zelcore.h"
 
 namespace zel {
@@ -48,14 +49,16 @@ struct MultiSearch {
     int sourceLength;
     ZelRegExpMultiFind* results;
     const ZelRegExpMultiState* set;
+    const TextPairs* pairs;  // of the source, null when it is too long for them
 };
 
 void searchSerially(const MultiSearch& job) {
     for (int slot = 0; slot < job.set->capacity; ++slot) {
         searchSlot(*job.set, slot, job.results[slot],
                    [&](ZelRegExpState* pattern, ZelRegExpFind* found, int* numFind) {
-                       return zelsRegExpFind_8u(job.source, job.sourceLength, pattern, found,
-                                                numFind);
+                       const WorkAreas work = {pattern->groups, pattern->captures};
+                       return searchWith(work, job.source, job.sourceLength, pattern, found,
+                                         numFind, 0, job.pairs);
                    });
     }
 }
@@ -70,7 +73,7 @@ void searchSerially(const MultiSearch& job) {
         searchSlot(*job.set, slot, job.results[slot],
                    [&](ZelRegExpState* pattern, ZelRegExpFind* found, int* numFind) {
                        return searchWith(work, job.source, job.sourceLength, pattern, found,
-                                         numFind, 0);
+                                         numFind, 0, job.pairs);
                    });
     }
 }
@@ -90,6 +93,15 @@ void searchInParallel(const MultiSearch& job, int threads) {
         division = Division(capacity, omp_get_num_threads());
 #pragma omp barrier
         searchRange(job, division.rangeOf(omp_get_thread_num()));
+    }
+}
+
+void searchAll(const MultiSearch& job) {
+    const int threads = ownGetNumThreads();
+    if (job.set->capacity <= threads) {
+        searchSerially(job);
+    } else {
+        searchInParallel(job, threads);
     }
 }
 
@@ -200,12 +212,11 @@ ZelStatus zelsRegExpMultiFind_8u(const Zel8u* pSrc, int srcLen, ZelRegExpMultiFi
                                  const ZelRegExpMultiState* pState) {
     if (anyNull(pSrc, pState, pResult)) return zelStatusNullPointer;
     if (srcLen < 1) return zelStatusSizeError;
-    const MultiSearch job = {pSrc, srcLen, pResult, pState};
-    const int threads = ownGetNumThreads();
-    if (pState->capacity <= threads) {
-        searchSerially(job);
+    if (srcLen > TextPairs::kLongestText) {
+        searchAll({pSrc, srcLen, pResult, pState, nullptr});
     } else {
-        searchInParallel(job, threads);
+        const TextPairs pairs(pSrc, srcLen);
+        searchAll({pSrc, srcLen, pResult, pState, &pairs});
     }
     return zelStatusOk;
 }
