@@ -45,17 +45,17 @@ public:
         : groups_(query.groups), all_(std::move(all)), first_(std::move(first)) {}
 
     Tally findAll(std::string_view text) override {
-        if (records_.empty()) makeRoom(text, static_cast<std::size_t>(std::max(1, groups_)));
-        int count = static_cast<int>(records_.size());
+        if (capacity_ == 0) makeRoom(text, static_cast<std::size_t>(std::max(1, groups_)));
+        int count = static_cast<int>(capacity_);
         Tally tally;
         const ZelStatus status = zelsRegExpFind_8u(bytes(text), static_cast<int>(text.size()),
-                                                   all_.get(), records_.data(), &count);
+                                                   all_.get(), records_.get(), &count);
         if (status != zelStatusOk) {
             tally.matches = status;
             return tally;
         }
         tally.matches = count / std::max(1, groups_);
-        for (int i = 0; i < count; ++i) add(tally, records_[static_cast<std::size_t>(i)], text);
+        for (int i = 0; i < count; ++i) add(tally, records_[i], text);
         return tally;
     }
 
@@ -86,9 +86,9 @@ public:
         }
         int sourceLength = static_cast<int>(text.size());
         int outputLength = static_cast<int>(output_.size());
-        int count = static_cast<int>(records_.size());
+        int count = static_cast<int>(capacity_);
         zelsRegExpReplace_8u(bytes(text), &sourceLength, output_.data(), &outputLength,
-                             records_.data(), &count, all_.get(), replacementState());
+                             records_.get(), &count, all_.get(), replacementState());
         return textDigest({reinterpret_cast<const char*>(output_.data()),
                            static_cast<std::size_t>(outputLength)});
     }
@@ -98,9 +98,11 @@ private:
         if (record.pMatch != nullptr) tally.add(record.pMatch - bytes(text), record.lenMatch);
     }
 
-    // No pattern of the rows matches less than one byte.
+    // No pattern of the rows matches less than one byte. The room is not initialised: touching all
+    // of it would count as part of a search.
     void makeRoom(std::string_view text, std::size_t recordsPerMatch) {
-        records_.resize((text.size() + 1) * recordsPerMatch);
+        capacity_ = (text.size() + 1) * recordsPerMatch;
+        records_ = std::make_unique_for_overwrite<ZelRegExpFind[]>(capacity_);
     }
 
     ZelRegExpReplaceState* replacementState() {
@@ -110,7 +112,8 @@ private:
     int groups_;
     Pattern all_;
     Pattern first_;
-    std::vector<ZelRegExpFind> records_;
+    std::size_t capacity_ = 0;
+    std::unique_ptr<ZelRegExpFind[]> records_;
     std::vector<std::uint64_t> replaceState_;  // words, for their alignment
     std::vector<Zel8u> output_;
 };
