@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "random.h"
+#include "regexp/match/one_way.h"
 #include "regexp/match/plan.h"
 #include "regexp_case.h"
 #include "report.h"
@@ -83,6 +84,53 @@ const PlannedPattern kPlannedLines[] = {
 
 // Only drawn up by the exact shape of the whole pattern.
 const char* const kPlainRuns[] = {"\\w+", "\\s+", "[^a-m]+", "a+", ".+", "\\W+", "[a-z\xC3\xA9]+"};
+
+struct OneWayPattern {
+    const char* pattern;
+    const char* options;
+    bool isOneWay;
+};
+
+// Patterns that can match in one way only, each with a kind of part that others lack, and their
+// neighbours that cannot.
+const OneWayPattern kOneWay[] = {
+    {"signal[a-z]", "", true},
+    {"Signal\\w", "i", true},
+    {"error|warning|signals?|ab", "", true},
+    {"(error)|(\\w)b|(ab) ", "", true},
+    {"(\\w+)=(\\w+)", "", true},
+    {"\\d{1,3}\\.\\d{1,3}", "", true},
+    {"^(\\w+): (.*)$", "m", true},
+    {"^(\\S+ \\S+) (.*)\\b", "m", true},
+    {"[a-z]+ing\\b", "", true},
+    {"\\w{2,}b\\w", "", true},
+    {"[^ ]+b ", "", true},
+    {"[^ ]+\\b", "", true},
+    {"\".*?\"", "", true},
+    {"\"(.+?\") ", "", true},
+    {"x\\w*?1\\b", "", true},
+    {"a[^b]+?b", "", true},
+    {"\\w+(?=\\()", "", true},
+    {"\\w+(?!\\()", "", true},
+    {"(?<==)\\w+ ", "", true},
+    {"(?<!un)signed\\b", "", true},
+    {"(\\w)\\1", "", true},
+    {"\\b(\\w+) \\1\\b", "", true},
+    {"((a)-?(\\w))\\3", "", true},
+    {"\\S{2}=", "", true},
+    {"\\D{1,2}\\d", "", true},
+    {"[\xC3\xA9x]+\\w", "", true},
+    {"a(?i)b+\\d", "", true},
+    {"\\w+?=", "", true},
+    {"\"(.*?)\"", "", false},
+    {"a\\w{2}?b", "", false},
+    {"signal|\".*?\"", "", false},
+    {"(?:ab|b)c", "", false},
+    {"(?:ab)+", "", false},
+    {"ab(?=\\w)", "", false},
+    {"(\\w)\\1+", "", false},
+    {"signal\\C", "", false},
+};
 
 const char* const kFragments[] = {"signal",
                                   "signals",
@@ -204,6 +252,32 @@ TEST(Plan, SearchesAgreeWithTheModelOnLongTexts) {
         }
         for (const PlannedPattern& planned : kPlannedLines) {
             compareOnTexts(planned.pattern, planned.options, kTexts);
+        }
+    });
+}
+
+bool isOneWay(const OneWayPattern& pattern) {
+    ZelRegExpState* state = nullptr;
+    int offset = 0;
+    EXPECT_EQ(zelsRegExpInitAlloc(pattern.pattern, pattern.options, &state, &offset), zelStatusOk);
+    zel::StackGuard stack;
+    stack.start();
+    zel::OneWay oneWay;
+    zel::makeOneWay(*state, stack, oneWay);
+    zelsRegExpFree(state);
+    return oneWay.isKnown();
+}
+
+TEST(OneWay, IsKnownWhereNothingCanBeMatchedInTwoWays) {
+    for (const OneWayPattern& pattern : kOneWay) {
+        EXPECT_EQ(isOneWay(pattern), pattern.isOneWay) << pattern.pattern;
+    }
+}
+
+TEST(OneWay, SearchesAgreeWithTheModel) {
+    onDeepStack([] {
+        for (const OneWayPattern& pattern : kOneWay) {
+            compareOnTexts(pattern.pattern, pattern.options, kTexts);
         }
     });
 }

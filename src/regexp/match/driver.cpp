@@ -13,6 +13,7 @@
 #include "regexp/match/character.h"
 #include "regexp/match/context.h"
 #include "regexp/match/first_letter.h"
+#include "regexp/match/one_way.h"
 #include "regexp/match/plan.h"
 #include "regexp/match/predicates.h"
 #include "regexp/match/required.h"
@@ -143,7 +144,7 @@ public:
                 position = skipFrom(position);
                 if (position == nullptr) return false;
             }
-            if (attempt(position)) return true;
+            if (attemptOneWay(position)) return true;
         }
         return false;
     }
@@ -180,6 +181,7 @@ private:
     // A plan costs as much as some attempts, and pays when there are many. The plan for a literal
     // costs next to nothing.
     static constexpr int kAttemptsBeforePlanning = 8;
+    static constexpr int kCandidatesBeforeOneWay = 3;
 
     /// The first allowed start position at or behind `start`, null when there is none.
     const Zel8u* startAt(const Zel8u* start) const {
@@ -232,6 +234,18 @@ private:
         return letter >= 0 && (position == context_.textEnd || *position != letter);
     }
 
+    /// One attempt, without the engine where the pattern allows it.
+    bool attemptOneWay(const Zel8u* position) {
+        if (plan_.kind != Plan::kNone && ++candidates_ == kCandidatesBeforeOneWay)
+            makeOneWay(state_, context_.stack, oneWay_);
+        if (oneWay_.isKnown()) {
+            const OneWay::Outcome outcome = oneWay_.tryAt(position, context_);
+            guessed_ = true;
+            if (outcome != OneWay::kNotKnown) return outcome == OneWay::kMatched;
+        }
+        return attempt(position);
+    }
+
     /// One attempt: the top-level alternatives in order.
     bool attempt(const Zel8u* position) {
         context_.captures[0] = {position, 0};
@@ -257,6 +271,8 @@ private:
     bool guessed_ = false;
     int attemptsBeforePlanning_;  // 0: the plan has been made, or none is wanted
     Plan plan_;
+    int candidates_ = 0;  // start positions that the plan did not reject
+    OneWay oneWay_;
     RegExpMatchContext context_;
 };
 

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "regexp/match/byte_set.h"
+#include "regexp/match/one_way.h"
 #include "regexp/match/plan.h"
 #include "regexp/match/stack_guard.h"
 #include "regexp/program.h"
@@ -43,12 +44,14 @@ public:
     Planner(const ZelRegExpState& state, StackGuard& stack)
         : nodes_(state.nodes()),
           count_(state.nodeCount),
+          groups_(state.groupCount),
           utf8_(state.format == kFormatUtf8),
           stack_(stack) {}
 
     void make(Zel32u flags, Plan& plan);
     void makeForLines(Zel32u flags, Plan& plan);
     bool isPlainRun(Zel32u flags, ByteSet& bytes) const;
+    bool describe(Zel32u flags, OneWay& oneWay);
 
 private:
     /// First bytes of an atom's characters.
@@ -113,8 +116,16 @@ private:
     bool planRequired(Zel32u flags, Plan& plan) const;
     bool addAsciiBytes(int index, Zel32u flags, ByteSet& bytes) const;
 
+    // one_way_plan.cpp
+    bool describeBytes(int index, Zel32u flags, bool mayBeWide, OneWay::Part& part) const;
+    bool describeText(int index, Zel32u flags, OneWay::Part& part) const;
+    int describeRun(int index, Zel32u flags, OneWay& oneWay, OneWay::Part& part);
+    bool describeLook(int open, Zel32u flags, OneWay::Part& part) const;
+    int describeNode(int index, Zel32u& flags, OneWay& oneWay, OneWay::Part& part, bool& isPart);
+
     const Node* nodes_;
     int count_;
+    int groups_;  // capture slots
     bool utf8_;
     StackGuard& stack_;
     int effort_ = 0;

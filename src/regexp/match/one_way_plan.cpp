@@ -1,0 +1,226 @@
+// Finds out whether a pattern can match in one way only, and describes it as a list of parts.
+//
+// A run is final when no byte of its set can begin what follows: then the engine, giving it back,
+// fails at once wherever it stands. Runs that are not final are allowed where nothing can fail
+// behind them; whether that holds is seen in the text.
+#include "regexp/match/character.h"
+#include "regexp/match/one_way.h"
+#include "regexp/match/planner.h"
+#include "regexp/match/predicates.h"
+
+namespace zel {
+
+namespace {
+
+constexpr uint64_t kAll = ~uint64_t{0};
+
+bool hasWide(const ByteSet& bytes) {
+    return (bytes.words[2] | bytes.words[3]) != 0;
+}
+
+}  // namespace
+
+/// The bytes of an atom, and what longer characters mean for it. `mayBeWide`: it is a run in which
+/// it makes no difference how many bytes form a character, provided all of them are members.
+bool Planner::describeBytes(int index, Zel32u flags, bool mayBeWide, OneWay::Part& part) const {
+    const Node& node = nodes_[index];
+    part.stopsAtWide = part.mindsWide = false;
+    if (node.kind == NodeLetter) {
+        part.set = atomBytes(index, flags);
+        return true;
+    }
+    bool wideIsAlike = false;
+    if (node.kind == NodeLetterRange) {
+        part.set = shorthandBytes(node.value, flags);
+        part.mindsWide = true;
+        wideIsAlike = (part.set.words[2] & part.set.words[3]) == kAll;
+        if (!hasWide(part.set)) return true;
+    } else if (node.kind == NodeCharacterClass) {
+        ClassSet set;
+        buildClassSet(node, flags, set);
+        part.set = set.bytes;
+        if (!utf8_ || (set.wide == ClassSet::kNoWide && !hasWide(set.bytes))) return true;
+        wideIsAlike =
+            set.wide == ClassSet::kAllWide && (set.bytes.words[2] & set.bytes.words[3]) == kAll;
+    } else {
+        return false;
+    }
+    part.stopsAtWide = !mayBeWide || !wideIsAlike;
+    if (part.stopsAtWide) part.set.words[2] = part.set.words[3] = 0;
+    return true;
+}
+
+/// Sets the part's text, when the node is a literal with the flags given.
+bool Planner::describeText(int index, Zel32u flags, OneWay::Part& part) const {
+    if (!isLiteral(index, flags & ~kOptionIgnoreCase)) return false;
+    const Node& node = nodes_[index];
+    if (node.kind == NodeLetter) {
+        // The number's first byte in memory is its lowest.
+        part.text = reinterpret_cast<const Zel8u*>(&node.value);
+        part.length = 1;
+    } else {
+        part.text = static_cast<const Zel8u*>(node.data);
+        part.length = node.count;
+    }
+    return true;
+}
+
+/// The number of nodes that the atom at `index` and what was drawn into its part take; 0 when it
+/// has to be left to the engine.
+int Planner::describeRun(int index, Zel32u flags, OneWay& oneWay, OneWay::Part& part) {
+    int next = behindAtom(index);
+    const Node* repeat = quantifier(next);
+    part.min = repeat == nullptr ? 1 : repeat->value;
+    part.max = repeat == nullptr ? 1 : repeat->count;
+    if (repeat != nullptr) ++next;
+    if (part.min > part.max || part.min < 0) return 0;
+    const bool mayBeWide = part.max == kUnbounded && part.min <= 1;
+    if (!describeBytes(index, flags, mayBeWide, part)) return 0;
+
+    Beginning rest;
+    const bool isKnown = begin(next, flags, rest);
+    part.isFinal = isKnown && disjoint(part.set, rest.bytes);
+    if (isKnown && rest.price > oneWay.price) oneWay.price = rest.price;
+    part.isLong = sizeOf(part.set) > 128;
+    part.kind = OneWay::Part::kRun;
+    const bool isLazy = repeat != nullptr && repeat->kind == NodeQuantifierMin;
+    if (!isLazy && (part.isFinal || part.min == part.max)) return next - index;
+
+    // What follows may begin inside the run: all right if it is a literal.
+    int literal = next;
+    while (literal < count_ && nodes_[literal].kind == NodeGroupingClose) ++literal;
+    const bool hasText = isKnown && literal < count_ && (flags & kOptionIgnoreCase) == 0 &&
+                         describeText(literal, flags, part) && *part.text < 0x80;
+    if (isLazy) {
+        // Closing a group would have to happen in front of the text.
+        if (!hasText || literal != next || part.max != kUnbounded || part.min > 1) return 0;
+        part.kind = OneWay::Part::kUntilText;
+        return next + 1 - index;
+    }
+    if (hasText && literal == next) {
+        if (nodes_[index].kind == NodeLetterRange && hasWide(part.set) &&
+            !describeBytes(index, flags, false, part))
+            return 0;
+        part.kind = OneWay::Part::kRunToText;
+        return next + 1 - index;
+    }
+    return next - index;
+}
+
+/// A look-around whose body is a literal.
+bool Planner::describeLook(int open, Zel32u flags, OneWay::Part& part) const {
+    const Node& node = nodes_[open];
+    if (node.count != 1 || !isLiteral(open + 1, flags) || !describeText(open + 1, flags, part))
+        return false;
+    if (quantifier(closeOf(open) + 1) != nullptr) return false;
+    const bool isBehind =
+        node.kind == NodeGroupingLookBehind || node.kind == NodeGroupingLookBehindNot;
+    // Each byte is to be a character, so that looking back by characters leads to the same place.
+    for (int i = 0; isBehind && i < part.length; ++i) {
+        if (part.text[i] >= 0x80) return false;
+    }
+    part.kind = isBehind ? OneWay::Part::kBehind : OneWay::Part::kAhead;
+    part.isNegative =
+        node.kind == NodeGroupingLookBehindNot || node.kind == NodeGroupingLookAheadNot;
+    return true;
+}
+
+/// One node, or a run with its quantifier: how many nodes, 0 when it is not for us. `isPart` says
+/// whether there is something to do for it.
+int Planner::describeNode(int index, Zel32u& flags, OneWay& oneWay, OneWay::Part& part,
+                          bool& isPart) {
+    const Node& node = nodes_[index];
+    isPart = true;
+    switch (node.kind) {
+        case NodeString:
+            part.kind =
+                (flags & kOptionIgnoreCase) != 0 ? OneWay::Part::kSameText : OneWay::Part::kText;
+            return describeText(index, flags, part) ? 1 : 0;
+        case NodeLetter:
+            if ((flags & kOptionIgnoreCase) == 0 && quantifier(index + 1) == nullptr) {
+                part.kind = OneWay::Part::kText;
+                return describeText(index, flags, part) ? 1 : 0;
+            }
+            return describeRun(index, flags, oneWay, part);
+        case NodeLetterRange:
+        case NodeCharacterClass:
+            return describeRun(index, flags, oneWay, part);
+        case NodePosition:
+            part.kind = OneWay::Part::kPosition;
+            part.number = node.value;
+            return quantifier(index + 1) == nullptr ? 1 : 0;
+        case NodeOptions:
+            isPart = false;
+            flags = static_cast<Zel32u>(node.value);
+            return 1;
+        case NodeGroupingCapture:
+        case NodeGroupingNoCapture:
+            isPart = node.kind == NodeGroupingCapture;
+            part.kind = OneWay::Part::kOpen;
+            part.number = node.extra;
+            return quantifier(closeOf(index) + 1) == nullptr ? 1 : 0;
+        case NodeGroupingClose: {
+            const int open = openOf(index);
+            if (open < 0) return 0;
+            isPart = nodes_[open].kind == NodeGroupingCapture;
+            part.kind = OneWay::Part::kClose;
+            part.number = nodes_[open].extra;
+            flags = static_cast<Zel32u>(node.count);
+            return 1;
+        }
+        case NodeGroupingLookAhead:
+        case NodeGroupingLookAheadNot:
+        case NodeGroupingLookBehind:
+        case NodeGroupingLookBehindNot:
+            return describeLook(index, flags, part) ? node.count + 2 : 0;
+        case NodeBackReference:
+            part.kind = OneWay::Part::kReference;
+            part.number = node.value;
+            if (node.value < 1 || node.value >= groups_ || quantifier(index + 1) != nullptr)
+                return 0;
+            return (flags & kOptionIgnoreCase) == 0 ? 1 : 0;
+        default:
+            return 0;
+    }
+}
+
+bool Planner::describe(Zel32u flags, OneWay& oneWay) {
+    oneWay.nodes = count_;
+    oneWay.price = 0;
+    oneWay.count = 0;
+    int parts = 0;
+    bool hasBars = false;
+    bool isLazy = false;
+    for (int index = 0; index <= count_;) {
+        if (parts == OneWay::kMaxParts) return false;
+        OneWay::Part& part = oneWay.parts[parts];
+        const bool atBar = index < count_ && nodes_[index].kind == NodeAlternative;
+        if (index == count_ || atBar) {
+            if (atBar && nodes_[index].value != 0) return false;
+            part.kind = OneWay::Part::kEnd;
+            ++parts;
+            if (atBar) flags = static_cast<Zel32u>(nodes_[index].count);
+            hasBars = hasBars || atBar;
+            ++index;
+            continue;
+        }
+        bool isPart = false;
+        const int nodes = describeNode(index, flags, oneWay, part, isPart);
+        if (nodes == 0) return false;
+        index += nodes;
+        if (!isPart) continue;
+        part.flags = flags;
+        isLazy = isLazy || part.kind == OneWay::Part::kUntilText;
+        ++parts;
+    }
+    // A lazy run that fails leaves the whole match longer than it is, for the next alternative.
+    if (hasBars && isLazy) return false;
+    oneWay.count = parts;
+    return true;
+}
+
+void makeOneWay(const ZelRegExpState& state, StackGuard& stack, OneWay& oneWay) {
+    if (!Planner(state, stack).describe(state.options, oneWay)) oneWay.count = 0;
+}
+
+}  // namespace zel
