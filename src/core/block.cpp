@@ -1,6 +1,6 @@
 // The exported block primitives, copy, move and clear, and the workers behind ownsCopy_8u and
 // ownsZero_8u.
-#include "core/block.h"
+#include "string/kernels/block.h"
 
 #include "core/checks.h"
 #include "string/kernels/instances.h"

@@ -1,8 +1,7 @@
 // The exported case conversions: a table rule for 16-bit strings, an ASCII rule for both widths.
 // The in-place members are the others with the source as destination.
-#include "string/case.h"
-
 #include "core/checks.h"
+#include "string/kernels/convert_case.h"
 #include "string/kernels/isa.h"
 #include "zelchmx.h"
 
@@ -11,29 +10,29 @@ namespace zel::ZEL_ISA {
 namespace {
 
 template <typename Rule, typename T>
-ZelStatus convert(const T* src, T* dst, int len) {
+ZEL_INLINE ZelStatus convert(const T* src, T* dst, int len) {
     if (anyNull(src, dst)) return zelStatusNullPointer;
     if (anyNegative(len)) return zelStatusLengthError;
-    convertCase(src, dst, len, Rule{});
+    convertCase<Rule>(src, dst, len);
     return zelStatusOk;
 }
 
 }  // namespace
 
 ZelStatus zelsUppercase_16u(const Zel16u* pSrc, Zel16u* pDst, int len) {
-    return convert<ToUpperByTable>(pSrc, pDst, len);
+    return convert<TableRule<Case::Upper>>(pSrc, pDst, len);
 }
 
 ZelStatus zelsUppercase_16u_I(Zel16u* pSrcDst, int len) {
-    return convert<ToUpperByTable>(pSrcDst, pSrcDst, len);
+    return convert<TableRule<Case::Upper>>(pSrcDst, pSrcDst, len);
 }
 
 ZelStatus zelsLowercase_16u(const Zel16u* pSrc, Zel16u* pDst, int len) {
-    return convert<ToLowerByTable>(pSrc, pDst, len);
+    return convert<TableRule<Case::Lower>>(pSrc, pDst, len);
 }
 
 ZelStatus zelsLowercase_16u_I(Zel16u* pSrcDst, int len) {
-    return convert<ToLowerByTable>(pSrcDst, pSrcDst, len);
+    return convert<TableRule<Case::Lower>>(pSrcDst, pSrcDst, len);
 }
 
 ZelStatus zelsUppercaseLatin_8u(const Zel8u* pSrc, Zel8u* pDst, int len) {

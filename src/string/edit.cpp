@@ -1,8 +1,6 @@
 // The exported editing, concatenation and splitting functions. Sums of indices and lengths are
 // formed in 64 bits, and the entries of a list are checked only when the work reaches them.
-#include "string/edit.h"
-
-#include "core/block.h"
+#include "string/kernels/edit.h"
 #include "core/checks.h"
 #include "string/kernels/isa.h"
 #include "zelchmx.h"
@@ -12,7 +10,8 @@ namespace zel::ZEL_ISA {
 namespace {
 
 template <typename T>
-ZelStatus insert(const T* src, int len, const T* inserted, int lenInsert, T* dst, int start) {
+ZEL_INLINE ZelStatus insert(const T* src, int len, const T* inserted, int lenInsert, T* dst,
+                            int start) {
     if (anyNull(src, inserted, dst)) return zelStatusNullPointer;
     if (anyNegative(len, lenInsert, start) || start > len) return zelStatusLengthError;
     // An empty insertion leaves the destination alone; it does not even receive the source.
@@ -22,7 +21,8 @@ ZelStatus insert(const T* src, int len, const T* inserted, int lenInsert, T* dst
 }
 
 template <typename T>
-ZelStatus insertInPlace(const T* inserted, int lenInsert, T* srcDst, int* srcDstLen, int start) {
+ZEL_INLINE ZelStatus insertInPlace(const T* inserted, int lenInsert, T* srcDst, int* srcDstLen,
+                                   int start) {
     if (anyNull(inserted, srcDst, srcDstLen)) return zelStatusNullPointer;
     const int len = *srcDstLen;
     if (anyNegative(lenInsert, len, start) || start > len) return zelStatusLengthError;
@@ -38,7 +38,7 @@ constexpr bool isRange(int start, int lenRemove, int len) {
 }
 
 template <typename T>
-ZelStatus remove(const T* src, int len, T* dst, int start, int lenRemove) {
+ZEL_INLINE ZelStatus remove(const T* src, int len, T* dst, int start, int lenRemove) {
     if (anyNull(src, dst)) return zelStatusNullPointer;
     if (!isRange(start, lenRemove, len)) return zelStatusLengthError;
     removeElements(src, len, dst, start, lenRemove);
@@ -46,7 +46,7 @@ ZelStatus remove(const T* src, int len, T* dst, int start, int lenRemove) {
 }
 
 template <typename T>
-ZelStatus removeInPlace(T* srcDst, int* srcDstLen, int start, int lenRemove) {
+ZEL_INLINE ZelStatus removeInPlace(T* srcDst, int* srcDstLen, int start, int lenRemove) {
     if (anyNull(srcDst, srcDstLen)) return zelStatusNullPointer;
     const int len = *srcDstLen;
     if (!isRange(start, lenRemove, len)) return zelStatusLengthError;
@@ -56,7 +56,7 @@ ZelStatus removeInPlace(T* srcDst, int* srcDstLen, int start, int lenRemove) {
 }
 
 template <typename T>
-ZelStatus replaceC(const T* src, T* dst, int len, T valOld, T valNew) {
+ZEL_INLINE ZelStatus replaceC(const T* src, T* dst, int len, T valOld, T valNew) {
     if (anyNull(src, dst)) return zelStatusNullPointer;
     if (anyNegative(len)) return zelStatusLengthError;
     replaceElement(src, dst, len, valOld, valNew);
@@ -64,7 +64,7 @@ ZelStatus replaceC(const T* src, T* dst, int len, T valOld, T valNew) {
 }
 
 template <typename T>
-ZelStatus concat(const T* src1, int len1, const T* src2, int len2, T* dst) {
+ZEL_INLINE ZelStatus concat(const T* src1, int len1, const T* src2, int len2, T* dst) {
     if (anyNull(src1, src2, dst)) return zelStatusNullPointer;
     if (anyNegative(len1, len2)) return zelStatusLengthError;
     copyElements(src1, dst, len1);
@@ -73,7 +73,7 @@ ZelStatus concat(const T* src1, int len1, const T* src2, int len2, T* dst) {
 }
 
 template <typename T>
-ZelStatus concatList(const T* const* srcs, const int* lens, int numSrc, T* dst) {
+ZEL_INLINE ZelStatus concatList(const T* const* srcs, const int* lens, int numSrc, T* dst) {
     if (anyNull(srcs, lens, dst)) return zelStatusNullPointer;
     if (numSrc < 1) return zelStatusSizeError;
     for (int i = 0; i < numSrc; ++i) {
@@ -86,21 +86,27 @@ ZelStatus concatList(const T* const* srcs, const int* lens, int numSrc, T* dst) 
 }
 
 template <typename T>
-ZelStatus concatListC(const T* const* srcs, const int* lens, int numSrc, T delim, T* dst) {
+ZEL_INLINE ZelStatus concatListC(const T* const* srcs, const int* lens, int numSrc, T delim,
+                                 T* dst) {
     if (anyNull(srcs, lens, dst)) return zelStatusNullPointer;
     if (numSrc < 1) return zelStatusSizeError;
+    const Vec<T> delims = Vec<T>::splat(delim);
     for (int i = 0; i < numSrc; ++i) {
         if (anyNull(srcs[i])) return zelStatusNullPointer;
         if (anyNegative(lens[i])) return zelStatusLengthError;
-        if (i > 0) *dst++ = delim;
-        copyElements(srcs[i], dst, lens[i]);
-        dst += lens[i];
+        if (i == 0) {
+            copyElements(srcs[i], dst, lens[i]);
+            dst += lens[i];
+        } else {
+            dst = joinElements(delims, delim, srcs[i], lens[i], dst);
+        }
     }
     return zelStatusOk;
 }
 
 template <typename T>
-ZelStatus splitC(const T* src, int len, T delim, T* const* slots, int* slotLens, int* numSlots) {
+ZEL_INLINE ZelStatus splitC(const T* src, int len, T delim, T* const* slots, int* slotLens,
+                            int* numSlots) {
     if (anyNull(src, slots, slotLens, numSlots)) return zelStatusNullPointer;
     if (anyNegative(len)) return zelStatusLengthError;
     if (*numSlots < 1) return zelStatusSizeError;

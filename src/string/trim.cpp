@@ -1,9 +1,8 @@
 // The exported trims. The kept part is found from both ends, its length stored, and the part copied
 // forward to a destination that may be the source itself: the copy never goes to a higher address.
-#include "string/trim.h"
-
-#include "core/block.h"
+#include "string/kernels/trim.h"
 #include "core/checks.h"
+#include "string/kernels/block.h"
 #include "string/kernels/isa.h"
 #include "zelchmx.h"
 
@@ -11,38 +10,32 @@ namespace zel::ZEL_ISA {
 
 namespace {
 
-enum Ends { kStart = 1, kEnd = 2, kBothEnds = kStart | kEnd };
-
-template <Ends ends, typename T, typename Trimmed>
-void trim(const T* src, int len, Trimmed trimmed, T* dst, int* dstLen) {
-    const int first = ends & kStart ? trimmed.firstKept(src, len) : 0;
-    const int kept = ends & kEnd ? trimmed.lastKept(src + first, len - first) + 1 : len - first;
-    *dstLen = kept;
-    copyElements(src + first, dst, kept);
+template <typename T>
+ZEL_INLINE ZelStatus finish(const T* src, Kept kept, T* dst, int* dstLen) {
+    *dstLen = kept.count;
+    copyElements(src + kept.first, dst, kept.count);
+    return zelStatusOk;
 }
 
 template <typename T>
-ZelStatus trimC(const T* src, int len, T val, T* dst, int* dstLen) {
+ZEL_INLINE ZelStatus trimC(const T* src, int len, T val, T* dst, int* dstLen) {
     if (anyNull(src, dst, dstLen)) return zelStatusNullPointer;
     if (anyNegative(len)) return zelStatusLengthError;
-    trim<kBothEnds>(src, len, TrimElement<T>{val}, dst, dstLen);
-    return zelStatusOk;
+    return finish(src, keptWithout<kBothEnds>(src, len, EqualsAnyOf<T, 1>::of(&val)), dst, dstLen);
 }
 
 template <typename T>
-ZelStatus trimCInPlace(T* srcDst, int* srcDstLen, T val) {
+ZEL_INLINE ZelStatus trimCInPlace(T* srcDst, int* srcDstLen, T val) {
     if (anyNull(srcDst, srcDstLen)) return zelStatusNullPointer;
-    if (anyNegative(*srcDstLen)) return zelStatusLengthError;
-    trim<kBothEnds>(srcDst, *srcDstLen, TrimElement<T>{val}, srcDst, srcDstLen);
-    return zelStatusOk;
+    return trimC(srcDst, *srcDstLen, val, srcDst, srcDstLen);
 }
 
 template <Ends ends, typename T>
-ZelStatus trimCAny(const T* src, int len, const T* set, int lenSet, T* dst, int* dstLen) {
+ZEL_INLINE ZelStatus trimCAny(const T* src, int len, const T* set, int lenSet, T* dst,
+                              int* dstLen) {
     if (anyNull(src, dst, set, dstLen)) return zelStatusNullPointer;
     if (anyNegative(len, lenSet)) return zelStatusLengthError;
-    trim<ends>(src, len, TrimAnyOf<T>{set, lenSet}, dst, dstLen);
-    return zelStatusOk;
+    return finish(src, keptWithoutAnyOf<ends>(src, len, set, lenSet), dst, dstLen);
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // Case conversion, and the tables behind it.
-#include "string/case.h"
+#include "string/case_tables.h"
 
 #include <limits.h>
 

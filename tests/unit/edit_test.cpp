@@ -281,6 +281,50 @@ TYPED_TEST(Edit, Remove_JoinsHeadAndTailEverywhere) {
     });
 }
 
+TYPED_TEST(Edit, Remove_EveryPieceOfAShortText) {
+    using T = TypeParam;
+    using A = Api<T>;
+    for (int len = 0; len <= 68; ++len) {
+        const auto srcText = this->random.template text<T>(len);
+        const Placed<T> src = this->srcArena.place(srcText, test::kBeforeGuard);
+        for (int start = 0; start <= len; ++start) {
+            for (int lenRemove = 0; lenRemove <= len - start; ++lenRemove) {
+                std::vector<T> expected = srcText;
+                expected.erase(expected.begin() + start, expected.begin() + start + lenRemove);
+                const Placed<T> dst = this->dstArena.place(len - lenRemove, test::kBeforeGuard);
+                ASSERT_EQ(A::remove(src, len, dst, start, lenRemove), zelStatusOk);
+                ASSERT_EQ(content(dst, len - lenRemove), expected)
+                    << len << " without " << lenRemove << " at " << start;
+                ASSERT_TRUE(dst.intact());
+            }
+        }
+    }
+}
+
+TYPED_TEST(Edit, Insert_EveryPieceIntoAShortText) {
+    using T = TypeParam;
+    using A = Api<T>;
+    for (int total = 1; total <= 68; ++total) {
+        const auto srcText = this->random.template text<T>(total);
+        for (int lenInsert = 1; lenInsert <= total; ++lenInsert) {
+            const int len = total - lenInsert;
+            const Placed<T> piece = this->otherArena.place(lenInsert, test::kBeforeGuard);
+            const Placed<T> src = this->srcArena.place(len, test::kBeforeGuard);
+            for (int start = 0; start <= len; ++start) {
+                const auto gap = srcText.begin() + start;
+                std::copy(srcText.begin(), gap, src.data);
+                std::copy(gap, gap + lenInsert, piece.data);
+                std::copy(gap + lenInsert, srcText.end(), src.data + start);
+                const Placed<T> dst = this->dstArena.place(total, test::kBeforeGuard);
+                ASSERT_EQ(A::insert(src, len, piece, lenInsert, dst, start), zelStatusOk);
+                ASSERT_EQ(content(dst, total), srcText)
+                    << len << " with " << lenInsert << " at " << start;
+                ASSERT_TRUE(dst.intact());
+            }
+        }
+    }
+}
+
 TYPED_TEST(Edit, InsertAndRemove_LargeTexts) {
     using T = TypeParam;
     using A = Api<T>;

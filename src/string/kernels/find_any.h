@@ -95,10 +95,12 @@ ZEL_INLINE bool findAnyInPieces(const Zel8u* src, int len, const Zel8u* set, int
     const Mask<Zel8u> inText = Mask<Zel8u>::firstN(len);
     if ((Mask<Zel8u>{equalBits(text, Vec<Zel8u>::zero())} & inText).any()) return false;
     Mask<Zel8u> found;
-    const bool done = len <= 32 ? findAnyBySixteens<2>(text, set, lenSet, found)
-                                : findAnyBySixteens<4>(text, set, lenSet, found);
+    const bool isDone = len <= 32 ? findAnyBySixteens<2>(text, set, lenSet, found)
+                                  : findAnyBySixteens<4>(text, set, lenSet, found);
+    if (!isDone) [[unlikely]]
+        return false;
     index = from == From::Start ? found.firstBelow(len) : found.lastOrNotFound();
-    return done;
+    return true;
 }
 
 #else

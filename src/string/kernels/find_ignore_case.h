@@ -3,14 +3,10 @@
 // bytes with bit 5 set, which no other byte than its two forms can produce.
 #pragma once
 
+#include "string/kernels/convert_case.h"
 #include "string/kernels/find_element.h"
 
 namespace zel::ZEL_ISA {
-
-template <typename T>
-ZEL_INLINE Vec<T> toLowerLatin(Vec<T> v) {
-    return addInRange(v, T{'A'}, T{26}, T{'a' - 'A'});
-}
 
 ZEL_INLINE bool isLatinLetter(Zel8u c) {
     return static_cast<unsigned>((c | 0x20) - 'a') < 26;
@@ -36,14 +32,14 @@ struct FoldedByte {
 
 ZEL_INLINE bool isSameFolded(const Zel8u* a, const Zel8u* b, ptrdiff_t len) {
     using V = Vec<Zel8u>;
+    const ToLowerLatin toLower;
     constexpr ptrdiff_t n = V::kLanes;
     for (; len > n; a += n, b += n, len -= n) {
-        const uint64_t same = equalBits(toLowerLatin(V::load(a)), toLowerLatin(V::load(b)));
+        const uint64_t same = equalBits(toLower(V::load(a)), toLower(V::load(b)));
         if (same != Mask<Zel8u>::all().bits) return false;
     }
     const int rest = static_cast<int>(len);
-    const uint64_t same =
-        equalBits(toLowerLatin(V::loadFirst(a, rest)), toLowerLatin(V::loadFirst(b, rest)));
+    const uint64_t same = equalBits(toLower(V::loadFirst(a, rest)), toLower(V::loadFirst(b, rest)));
     return (~Mask<Zel8u>{same} & Mask<Zel8u>::firstN(rest)).bits == 0;
 }
 

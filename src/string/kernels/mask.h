@@ -47,4 +47,19 @@ struct MaskHits {
     friend ZEL_INLINE MaskHits operator|(MaskHits a, MaskHits b) { return {a.lanes | b.lanes}; }
 };
 
+/// Elements from p up to the next vector boundary: at least one and at most a vector, for a p that
+/// is aligned to its own size.
+template <typename T>
+ZEL_INLINE ptrdiff_t toBoundary(const T* p) {
+    constexpr size_t kBytes = Vec<T>::kBytes;
+    return static_cast<ptrdiff_t>((kBytes - reinterpret_cast<uintptr_t>(p) % kBytes) / sizeof(T));
+}
+
+/// Elements from the vector boundary before p up to p, as toBoundary.
+template <typename T>
+ZEL_INLINE ptrdiff_t fromBoundary(const T* p) {
+    constexpr size_t kBytes = Vec<T>::kBytes;
+    return static_cast<ptrdiff_t>(((reinterpret_cast<uintptr_t>(p) - 1) % kBytes + 1) / sizeof(T));
+}
+
 }  // namespace zel::ZEL_ISA

@@ -15,20 +15,6 @@
 
 namespace zel::ZEL_ISA {
 
-/// Elements from p up to the next vector boundary: at least one and at most a vector, for a p that
-/// is aligned to its own size.
-template <typename T>
-ZEL_INLINE ptrdiff_t toBoundary(const T* p) {
-    constexpr size_t kBytes = Vec<T>::kBytes;
-    return static_cast<ptrdiff_t>((kBytes - reinterpret_cast<uintptr_t>(p) % kBytes) / sizeof(T));
-}
-/// The same from the vector boundary before p up to p.
-template <typename T>
-ZEL_INLINE ptrdiff_t fromBoundary(const T* p) {
-    constexpr size_t kBytes = Vec<T>::kBytes;
-    return static_cast<ptrdiff_t>(((reinterpret_cast<uintptr_t>(p) - 1) % kBytes + 1) / sizeof(T));
-}
-
 /// What four blocks have, asked for at once: the first hit in the order given, or kNotFound.
 template <typename Test, typename T, typename Locate>
 ZEL_INLINE int hitInFour(const Test& test, const T* p, const T* q, const T* r, const T* s,

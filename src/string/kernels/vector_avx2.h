@@ -124,6 +124,45 @@ ZEL_INLINE Vec<Zel8u> packHigh(Vec<Zel16u> a, Vec<Zel16u> b) {
     return {_mm256_packus_epi16(_mm256_srli_epi16(a.v, 8), _mm256_srli_epi16(b.v, 8))};
 }
 
+/// A lane is not zero where two vectors differ.
+template <typename T>
+struct Differences {
+    __m256i v;
+
+    ZEL_INLINE Mask<T> mask() const { return ~equal(Vec<T>{v}, Vec<T>::zero()).mask(); }
+    ZEL_INLINE bool any() const { return _mm256_testz_si256(v, v) == 0; }
+    friend ZEL_INLINE Differences operator|(Differences a, Differences b) {
+        return {_mm256_or_si256(a.v, b.v)};
+    }
+};
+
+template <typename T>
+ZEL_INLINE Differences<T> difference(Vec<T> a, Vec<T> b) {
+    return {(a ^ b).v};
+}
+/// The differences so far and those of a and b.
+template <typename T>
+ZEL_INLINE Differences<T> andDifference(Differences<T> soFar, Vec<T> a, Vec<T> b) {
+    return soFar | difference(a, b);
+}
+
+/// Where two vectors differ when A-Z and a-z are alike: the case bit of a difference does not count
+/// where one of the two, and so the other, is a letter.
+template <typename T>
+ZEL_INLINE Differences<T> differenceIgnoringLatinCase(Vec<T> a, Vec<T> b) {
+    constexpr int kLowest = sizeof(T) == 1 ? 0x80 : 0x8000;
+    const Vec<T> caseBit = Vec<T>::splat(0x20);
+    const Vec<T> small = a | caseBit;
+    const auto limit = Vec<T>::splat(static_cast<T>(kLowest + 26)).v;
+    const auto shift = Vec<T>::splat(static_cast<T>(kLowest - 'a')).v;
+    Vec<T> isLetter;
+    if constexpr (sizeof(T) == 1)
+        isLetter.v = _mm256_cmpgt_epi8(limit, _mm256_add_epi8(small.v, shift));
+    else
+        isLetter.v = _mm256_cmpgt_epi16(limit, _mm256_add_epi16(small.v, shift));
+    return {_mm256_andnot_si256((isLetter & caseBit).v, (a ^ b).v)};
+}
+
 /// Adds delta to the elements from low to low + count - 1. The comparison is signed, so the range
 /// is moved to the lowest signed values first.
 template <typename T>
@@ -139,6 +178,20 @@ ZEL_INLINE Vec<T> addInRange(Vec<T> v, T low, T count, T delta) {
         const auto inside = _mm256_cmpgt_epi16(limit, _mm256_add_epi16(v.v, shift));
         return {_mm256_add_epi16(v.v, _mm256_and_si256(inside, step))};
     }
+}
+
+/// v with `to` where it equals `from`.
+template <typename T>
+ZEL_INLINE Vec<T> replaceEqual(Vec<T> v, Vec<T> from, Vec<T> to) {
+    const Vec<T> hit{equal(v, from).hit};
+    return (hit & to) | Vec<T>{_mm256_andnot_si256(hit.v, v.v)};
+}
+
+/// The units from low to low + count - 1.
+ZEL_INLINE Mask<Zel16u> rangeMask(Vec<Zel16u> v, Zel16u low, Zel16u count) {
+    const auto limit = Vec<Zel16u>::splat(static_cast<Zel16u>(0x8000 + count)).v;
+    const auto shift = Vec<Zel16u>::splat(static_cast<Zel16u>(0x8000 - low)).v;
+    return Hits<Zel16u>{_mm256_cmpgt_epi16(limit, _mm256_add_epi16(v.v, shift))}.mask();
 }
 
 /// The bytes from 0x80 to 0xBF.

@@ -120,6 +120,87 @@ ZEL_INLINE Vec<Zel8u> packHigh(Vec<Zel16u> a, Vec<Zel16u> b) {
     return {_mm512_packus_epi16(_mm512_srli_epi16(a.v, 8), _mm512_srli_epi16(b.v, 8))};
 }
 
+/// A lane is not zero where two vectors differ.
+template <typename T>
+struct Differences {
+    __m512i v;
+
+    ZEL_INLINE Mask<T> mask() const {
+        if constexpr (sizeof(T) == 1)
+            return {_mm512_test_epi8_mask(v, v)};
+        else
+            return {_mm512_test_epi16_mask(v, v)};
+    }
+    ZEL_INLINE bool any() const { return _mm512_test_epi32_mask(v, v) != 0; }
+    friend ZEL_INLINE Differences operator|(Differences a, Differences b) {
+        return {_mm512_or_si512(a.v, b.v)};
+    }
+};
+
+template <typename T>
+ZEL_INLINE Differences<T> difference(Vec<T> a, Vec<T> b) {
+    return {_mm512_xor_si512(a.v, b.v)};
+}
+/// The differences so far and those of a and b, in one instruction.
+template <typename T>
+ZEL_INLINE Differences<T> andDifference(Differences<T> soFar, Vec<T> a, Vec<T> b) {
+    constexpr int kAOrBXorC = 0xF6;
+    return {_mm512_ternarylogic_epi64(soFar.v, a.v, b.v, kAOrBXorC)};
+}
+
+/// Where two vectors differ when A-Z and a-z are alike: the case bit of a difference does not count
+/// where one of the two, and so the other, is a letter.
+template <typename T>
+ZEL_INLINE Differences<T> differenceIgnoringLatinCase(Vec<T> a, Vec<T> b) {
+    const __m512i caseBit = Vec<T>::splat(0x20).v;
+    const __m512i small = _mm512_or_si512(a.v, caseBit);
+    __m512i ignored;
+    if constexpr (sizeof(T) == 1) {
+        const __m512i offset = _mm512_sub_epi8(small, Vec<T>::splat('a').v);
+        ignored =
+            _mm512_maskz_mov_epi8(_mm512_cmplt_epu8_mask(offset, Vec<T>::splat(26).v), caseBit);
+    } else {
+        const __m512i offset = _mm512_sub_epi16(small, Vec<T>::splat('a').v);
+        ignored =
+            _mm512_maskz_mov_epi16(_mm512_cmplt_epu16_mask(offset, Vec<T>::splat(26).v), caseBit);
+    }
+    const __m512i raw = _mm512_xor_si512(a.v, b.v);
+    return {_mm512_andnot_si512(ignored, raw)};
+}
+
+/// The elements of v, in order, at the lanes of the mask; the others are zero.
+template <typename T>
+ZEL_INLINE Vec<T> expand(uint64_t mask, Vec<T> v) {
+    if constexpr (sizeof(T) == 1)
+        return {_mm512_maskz_expand_epi8(mask, v.v)};
+    else
+        return {_mm512_maskz_expand_epi16(static_cast<__mmask32>(mask), v.v)};
+}
+/// The elements at p, in order, at the lanes of the mask, of which as many are read; else v.
+template <typename T>
+ZEL_INLINE Vec<T> expandFrom(Vec<T> v, uint64_t mask, const T* p) {
+    if constexpr (sizeof(T) == 1)
+        return {_mm512_mask_expandloadu_epi8(v.v, mask, p)};
+    else
+        return {_mm512_mask_expandloadu_epi16(v.v, static_cast<__mmask32>(mask), p)};
+}
+/// The elements at the lanes of the mask, in order, from lane 0 on; the others are zero.
+template <typename T>
+ZEL_INLINE Vec<T> compress(uint64_t mask, Vec<T> v) {
+    if constexpr (sizeof(T) == 1)
+        return {_mm512_maskz_compress_epi8(mask, v.v)};
+    else
+        return {_mm512_maskz_compress_epi16(static_cast<__mmask32>(mask), v.v)};
+}
+/// p[i] in the lanes i of the mask, and only these are read; else v.
+template <typename T>
+ZEL_INLINE Vec<T> loadInto(Vec<T> v, uint64_t mask, const T* p) {
+    if constexpr (sizeof(T) == 1)
+        return {_mm512_mask_loadu_epi8(v.v, mask, p)};
+    else
+        return {_mm512_mask_loadu_epi16(v.v, static_cast<__mmask32>(mask), p)};
+}
+
 /// Adds delta to the elements from low to low + count - 1.
 template <typename T>
 ZEL_INLINE Vec<T> addInRange(Vec<T> v, T low, T count, T delta) {
@@ -132,6 +213,15 @@ ZEL_INLINE Vec<T> addInRange(Vec<T> v, T low, T count, T delta) {
         const __m512i offset = _mm512_sub_epi16(v.v, Vec<T>::splat(low).v);
         return {_mm512_mask_add_epi16(v.v, _mm512_cmplt_epu16_mask(offset, limit), v.v, step)};
     }
+}
+
+/// v with `to` where it equals `from`.
+template <typename T>
+ZEL_INLINE Vec<T> replaceEqual(Vec<T> v, Vec<T> from, Vec<T> to) {
+    if constexpr (sizeof(T) == 1)
+        return {_mm512_mask_mov_epi8(v.v, _mm512_cmpeq_epi8_mask(v.v, from.v), to.v)};
+    else
+        return {_mm512_mask_mov_epi16(v.v, _mm512_cmpeq_epi16_mask(v.v, from.v), to.v)};
 }
 
 /// The bytes from 0x80 to 0xBF.

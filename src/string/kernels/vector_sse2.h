@@ -74,6 +74,45 @@ ZEL_INLINE uint64_t equalBits(Vec<T> a, Vec<T> b) {
     return equal(a, b).mask().bits;
 }
 
+/// A lane is not zero where two vectors differ.
+template <typename T>
+struct Differences {
+    __m128i v;
+
+    ZEL_INLINE Mask<T> mask() const { return ~equal(Vec<T>{v}, Vec<T>::zero()).mask(); }
+    ZEL_INLINE bool any() const { return mask().any(); }
+    friend ZEL_INLINE Differences operator|(Differences a, Differences b) {
+        return {_mm_or_si128(a.v, b.v)};
+    }
+};
+
+template <typename T>
+ZEL_INLINE Differences<T> difference(Vec<T> a, Vec<T> b) {
+    return {(a ^ b).v};
+}
+/// The differences so far and those of a and b.
+template <typename T>
+ZEL_INLINE Differences<T> andDifference(Differences<T> soFar, Vec<T> a, Vec<T> b) {
+    return soFar | difference(a, b);
+}
+
+/// Where two vectors differ when A-Z and a-z are alike: the case bit of a difference does not count
+/// where one of the two, and so the other, is a letter.
+template <typename T>
+ZEL_INLINE Differences<T> differenceIgnoringLatinCase(Vec<T> a, Vec<T> b) {
+    constexpr int kLowest = sizeof(T) == 1 ? 0x80 : 0x8000;
+    const Vec<T> caseBit = Vec<T>::splat(0x20);
+    const Vec<T> small = a | caseBit;
+    const auto limit = Vec<T>::splat(static_cast<T>(kLowest + 26)).v;
+    const auto shift = Vec<T>::splat(static_cast<T>(kLowest - 'a')).v;
+    Vec<T> isLetter;
+    if constexpr (sizeof(T) == 1)
+        isLetter.v = _mm_cmpgt_epi8(limit, _mm_add_epi8(small.v, shift));
+    else
+        isLetter.v = _mm_cmpgt_epi16(limit, _mm_add_epi16(small.v, shift));
+    return {_mm_andnot_si128((isLetter & caseBit).v, (a ^ b).v)};
+}
+
 /// Adds delta to the elements from low to low + count - 1. The comparison is signed, so the range
 /// is moved to the lowest signed values first.
 template <typename T>
@@ -89,6 +128,20 @@ ZEL_INLINE Vec<T> addInRange(Vec<T> v, T low, T count, T delta) {
         const auto inside = _mm_cmpgt_epi16(limit, _mm_add_epi16(v.v, shift));
         return {_mm_add_epi16(v.v, _mm_and_si128(inside, step))};
     }
+}
+
+/// v with `to` where it equals `from`.
+template <typename T>
+ZEL_INLINE Vec<T> replaceEqual(Vec<T> v, Vec<T> from, Vec<T> to) {
+    const Vec<T> hit{equal(v, from).hit};
+    return (hit & to) | Vec<T>{_mm_andnot_si128(hit.v, v.v)};
+}
+
+/// The units from low to low + count - 1.
+ZEL_INLINE Mask<Zel16u> rangeMask(Vec<Zel16u> v, Zel16u low, Zel16u count) {
+    const auto limit = Vec<Zel16u>::splat(static_cast<Zel16u>(0x8000 + count)).v;
+    const auto shift = Vec<Zel16u>::splat(static_cast<Zel16u>(0x8000 - low)).v;
+    return Hits<Zel16u>{_mm_cmpgt_epi16(limit, _mm_add_epi16(v.v, shift))}.mask();
 }
 
 /// The bytes from 0x80 to 0xBF.

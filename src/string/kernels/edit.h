@@ -1,0 +1,183 @@
+// Editing of valid arguments: insertion, removal, and lists of strings joined and split. Pointers
+// are advanced step by step, never by the sum of two lengths, so that lengths near 2^31 stay exact.
+//
+// On AVX-512 a string that fits a vector is edited in it: an expand opens the gap of an insertion,
+// a compress closes that of a removal, and a joint writes its delimiter and the piece behind it in
+// one store. All of it is loaded before anything is stored, which is only the same as copying part
+// after part where the ranges do not overlap, or the string is edited where it lies.
+#pragma once
+
+#include "string/kernels/block.h"
+#include "string/kernels/find_element.h"
+#include "string/kernels/replace.h"
+
+namespace zel::ZEL_ISA {
+
+/// Whether two ranges have no element in common.
+template <typename T>
+ZEL_INLINE bool areDisjoint(const T* a, size_t lenA, const T* b, size_t lenB) {
+    const auto up = static_cast<size_t>(b - a);
+    return up >= lenA && size_t{0} - up >= lenB;
+}
+
+#if defined(ZEL_ISA_AVX512)
+
+/// Inserts in a register; false, and nothing done, when the result does not fit one.
+template <typename T>
+ZEL_INLINE bool insertShort(const T* src, int len, const T* insert, int lenInsert, T* dst,
+                            int start) {
+    const auto total = static_cast<unsigned>(len) + static_cast<unsigned>(lenInsert);
+    if (total > static_cast<unsigned>(Vec<T>::kLanes)) return false;
+    const auto n = static_cast<size_t>(len);
+    if ((src != dst && !areDisjoint<T>(dst, total, src, n)) ||
+        !areDisjoint<T>(dst, total, insert, static_cast<size_t>(lenInsert)))
+        return false;
+    const uint64_t gap = lowBits(start + lenInsert) & ~lowBits(start);
+    const Vec<T> text = expand(~gap, Vec<T>::loadFirst(src, len));
+    expandFrom(text, gap, insert).storeFirst(dst, static_cast<int>(total));
+    return true;
+}
+
+template <typename T>
+ZEL_INLINE bool removeShort(const T* src, int len, T* dst, int start, int lenRemove) {
+    if (len > Vec<T>::kLanes) return false;
+    const auto n = static_cast<size_t>(len);
+    if (src != dst && !areDisjoint<T>(dst, n, src, n)) return false;
+    const uint64_t gap = lowBits(start + lenRemove) & ~lowBits(start);
+    compress(~gap, Vec<T>::loadFirst(src, len)).storeFirst(dst, len - lenRemove);
+    return true;
+}
+
+/// Writes the delimiter, whose copies fill `delims`, and a piece behind it.
+template <typename T>
+ZEL_INLINE bool joinShort(Vec<T> delims, const T* piece, int len, T* dst) {
+    const auto n = static_cast<size_t>(len);
+    if (len >= Vec<T>::kLanes || !areDisjoint<T>(dst, n + 1, piece, n)) return false;
+    loadInto(delims, lowBits(len) << 1, piece - 1).storeFirst(dst, len + 1);
+    return true;
+}
+
+#else
+
+template <typename T>
+ZEL_INLINE bool insertShort(const T*, int, const T*, int, T*, int) {
+    return false;
+}
+template <typename T>
+ZEL_INLINE bool removeShort(const T*, int, T*, int, int) {
+    return false;
+}
+template <typename T>
+ZEL_INLINE bool joinShort(Vec<T>, const T*, int, T*) {
+    return false;
+}
+
+#endif
+
+/// Writes src[0..start), insert, src[start..len) to dst, which may be src. The tail moves first, so
+/// that an insertion in place does not overwrite it.
+template <typename T>
+ZEL_INLINE void insertElements(const T* src, int len, const T* insert, int lenInsert, T* dst,
+                               int start) {
+    if (insertShort(src, len, insert, lenInsert, dst, start)) return;
+    copyElements(src, dst, start);
+    moveElements(src + start, dst + start + lenInsert, len - start);
+    copyElements(insert, dst + start, lenInsert);
+}
+
+/// Writes src[0..start), src[start + lenRemove..len) to dst, which may be src.
+template <typename T>
+ZEL_INLINE void removeElements(const T* src, int len, T* dst, int start, int lenRemove) {
+    if (removeShort(src, len, dst, start, lenRemove)) return;
+    copyElements(src, dst, start);
+    copyElements(src + start + lenRemove, dst + start, len - start - lenRemove);
+}
+
+/// Writes the delimiter and a piece, and answers the end of what was written.
+template <typename T>
+ZEL_INLINE T* joinElements(Vec<T> delims, T delim, const T* piece, int len, T* dst) {
+    if (!joinShort(delims, piece, len, dst)) {
+        *dst = delim;
+        copyElements(piece, dst + 1, len);
+    }
+    return dst + 1 + len;
+}
+
+/// The delimiters of a text, one after the other: the mask of the vector that is being walked, and
+/// where that vector begins.
+template <typename T>
+class Delimiters {
+public:
+    using V = Vec<T>;
+
+    ZEL_INLINE Delimiters(const T* src, int len, T delim)
+        : src_(src), len_(len), delim_(EqualsAnyOf<T, 1>::of(&delim)), base_(0) {
+        mask_ = maskAt(0);
+    }
+
+    /// Position of the next one, or the length when there is none.
+    ZEL_INLINE int next() {
+        if (!mask_.any()) [[unlikely]] {
+            base_ += V::kLanes;
+            if (base_ >= len_) return len_;
+            mask_ = maskAt(base_);
+            if (!mask_.any()) {
+                // Tokens are long here: search for the next one, and walk on from it.
+                base_ += V::kLanes;
+                if (base_ >= len_) return len_;
+                const int found = firstHit(src_ + base_, static_cast<int>(len_ - base_), delim_);
+                if (found == kNotFound) {
+                    base_ = len_;
+                    return len_;
+                }
+                base_ += found;
+                mask_ = maskAt(base_);
+            }
+        }
+        const int at = static_cast<int>(base_) + mask_.first();
+        mask_ = mask_.withoutFirst();
+        return at;
+    }
+
+private:
+    ZEL_INLINE Mask<T> maskAt(ptrdiff_t at) const {
+        const ptrdiff_t left = len_ - at;
+        if (left >= V::kLanes) return Mask<T>{equalBits(V::load(src_ + at), delim_.values[0])};
+        const int n = static_cast<int>(left);
+        return delim_.maskFirst(src_ + at, n) & Mask<T>::firstN(n);
+    }
+
+    const T* src_;
+    int len_;
+    EqualsAnyOf<T, 1> delim_;
+    ptrdiff_t base_;
+    Mask<T> mask_;
+};
+
+/// Copies the tokens of src one by one into the slots. A slot is checked when its token is due.
+template <typename T>
+ZEL_INLINE ZelStatus splitElements(const T* src, int len, T delim, T* const* slots, int* slotLens,
+                                   int* numSlots) {
+    const int slotCount = *numSlots;
+    Delimiters<T> delimiters(src, len, delim);
+    ZelStatus status = zelStatusOk;
+    ptrdiff_t pos = 0;
+    int i = 0;
+    for (; i < slotCount && pos < len; ++i) {
+        if (slots[i] == nullptr) return zelStatusNullPointer;
+        const int room = slotLens[i];
+        if (room < 0) return zelStatusLengthError;
+        const int end = delimiters.next();
+        const int token = end - static_cast<int>(pos);
+        const int copied = token <= room ? token : room;
+        if (token > room) status = zelStatusTruncatedWarning;
+        slotLens[i] = copied;
+        copyElements(src + pos, slots[i], copied);
+        // Past the delimiter; behind the last token there is none, and pos passes over the end.
+        pos = ptrdiff_t{end} + 1;
+    }
+    *numSlots = i;
+    return pos < len ? zelStatusSplitIncompleteWarning : status;
+}
+
+}  // namespace zel::ZEL_ISA
