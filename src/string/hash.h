@@ -1,33 +1,162 @@
 // The three hash formulas. Their values are part of the interface: callers store them, so no
 // initial value, step or stopping rule may ever change. All arithmetic wraps modulo 2^32.
+//
+// Shift: the exclusive-or of the last 32 elements, each shifted by its place from the end.
+//
+// SJ2: a polynomial in 31, summed with a whole vector of elements at a time. The elements that do
+// not fill a vector come first, with zeros in front of them, which add nothing. Four vectors a
+// round, so that their multiplications overlap.
+//
+// MSCS: the exclusive-or changes the low 8 bits of h alone. So these can be followed by themselves,
+// as bytes, and once they are known, exclusive-or is addition of a known difference and the rest a
+// polynomial in 33. See LowBytes for the former.
 #pragma once
 
-#include "string/kernels/isa.h"
+#include "string/kernels/prefix_xor.h"
+#include "string/kernels/words.h"
 #include "zelchmx.h"
 
 namespace zel::ZEL_ISA {
 
-/// Shift and exclusive-or. An element more than 31 places before the end has no effect.
+/// h = (h << 1) ^ c from 0.
 template <typename T>
 Zel32u hashShift(const T* src, int len) {
-    Zel32u h = 0;
-    for (int i = 0; i < len; ++i) h = (h << 1) ^ src[i];
-    return h;
+    constexpr int kCount = 32;
+    const int n = len < kCount ? len : kCount;
+    const T* const p = src + (len - n);
+    alignas(64) static constexpr Zel32u kLane[16] = {0, 1, 2,  3,  4,  5,  6,  7,
+                                                     8, 9, 10, 11, 12, 13, 14, 15};
+    Words h = Words::zero();
+    for (int i = 0; i < kCount; i += Words::kLanes) {
+        const Words places = Words::splat(static_cast<Zel32u>(n - 1 - i)) - Words::load(kLane);
+        h = h ^ widenFirst(p + i, n - i).shiftLeft(places);
+    }
+    return h.exclusiveOr();
 }
 
-/// Polynomial in 31.
+/// h = h * 31 + c from 0.
 template <typename T>
 Zel32u hashSJ2(const T* src, int len) {
-    Zel32u h = 0;
-    for (int i = 0; i < len; ++i) h = h * 31 + src[i];
-    return h;
+    constexpr Zel32u kBase = 31;
+    constexpr int n = Vec<T>::kLanes;
+    const auto next = [](const T* p) { return polynomials<kBase>(Vec<T>::load(p)); };
+
+    const int head = len > n ? (len - 1) % n + 1 : len;
+    Words h = polynomials<kBase>(loadLast(src, head));
+    const T* p = src + head;
+    const T* const end = src + len;
+    if (end - p >= 4 * n) {
+        Words a = Words::zero(), b = Words::zero(), c = Words::zero();
+        do {
+            a = advance<kBase, 4 * n>(a) + next(p);
+            b = advance<kBase, 4 * n>(b) + next(p + n);
+            c = advance<kBase, 4 * n>(c) + next(p + 2 * n);
+            h = advance<kBase, 4 * n>(h) + next(p + 3 * n);
+            p += 4 * n;
+        } while (end - p >= 4 * n);
+        h = h + advance<kBase, 1 * n>(c) + advance<kBase, 2 * n>(b) + advance<kBase, 3 * n>(a);
+    }
+    for (; p != end; p += n) h = advance<kBase, 1 * n>(h) + next(p);
+    return (h * Words::load(kWordWeights<T, kBase>.of)).sum();
 }
 
-/// Multiply by 33 and exclusive-or, up to the first zero element.
+/// The low bytes of h after each step of HashMSCS, for several vectors of elements at a time.
+///
+/// A step is h' = (h * 33) ^ c, which is h ^ c but for the bits that h * 33 = h + (h << 5) changes,
+/// and whether it changes a bit depends on lower bits only. So the low five bits before a step are
+/// an exclusive-or over all elements in front; when these are known, so is what the multiplication
+/// does to the next bit of every step, and a further running exclusive-or makes that bit known:
+/// four rounds. Each round carries its own bits from vector to vector. A round is a long chain of
+/// instructions, so the vectors go through it side by side: the processor would not look far enough
+/// ahead to find the next one by itself.
+class LowBytes {
+public:
+    explicit LowBytes(Zel32u h) {
+        for (Vec<Zel8u>& carry : carry_) carry = Vec<Zel8u>::splat(static_cast<Zel8u>(h));
+    }
+
+    /// Writes the bytes after each step; exclusive-or with the elements gives those of h * 33.
+    template <int count>
+    ZEL_INLINE void step(const Vec<Zel8u> (&elements)[count], Vec<Zel8u> (&after)[count]) {
+        Vec<Zel8u> changes[count], before[count];
+        for (int i = 0; i < count; ++i) changes[i] = elements[i];
+        for (Vec<Zel8u>& carry : carry_) {
+            for (int i = 0; i < count; ++i) before[i] = exclusiveOrBefore(changes[i]);
+            for (int i = 0; i < count; ++i) {
+                before[i] = before[i] ^ carry;
+                after[i] = before[i] ^ changes[i];
+                carry = splatLast(after[i]);
+            }
+            for (int i = 0; i < count; ++i) {
+                changes[i] = elements[i] ^ before[i] ^ times33(before[i]);
+            }
+        }
+    }
+
+private:
+    Vec<Zel8u> carry_[4];
+};
+
+/// HashMSCS of whole vectors, on from some h.
+class MscsOfVectors {
+public:
+    static constexpr int kLanes = Vec<Zel8u>::kLanes;
+
+    explicit MscsOfVectors(Zel32u h) : lowBytes_(h), h_(Words::last(h)) {}
+
+    /// Takes `count` vectors at a time, as long as they are whole and without a zero; p goes behind
+    /// them.
+    template <int count>
+    ZEL_INLINE void take(const Zel8u*& p, const Zel8u* end) {
+        for (; end - p >= count * kLanes; p += count * kLanes) {
+            Vec<Zel8u> elements[count], after[count];
+            Hits<Zel8u> zeros;
+            for (int i = 0; i < count; ++i) {
+                elements[i] = Vec<Zel8u>::load(p + i * kLanes);
+                const Hits<Zel8u> here = equal(elements[i], Vec<Zel8u>::zero());
+                zeros = i == 0 ? here : zeros | here;
+            }
+            if (zeros.any()) break;
+            lowBytes_.step(elements, after);
+            for (int i = 0; i < count; ++i) {
+                const Words differences =
+                    polynomials<kBase>(after[i]) - polynomials<kBase>(after[i] ^ elements[i]);
+                h_ = advance<kBase, kLanes>(h_) + differences;
+            }
+        }
+    }
+
+    ZEL_INLINE Zel32u value() const {
+        return (h_ * Words::load(kWordWeights<Zel8u, kBase>.of)).sum();
+    }
+
+private:
+    static constexpr Zel32u kBase = 33;
+
+    LowBytes lowBytes_;
+    Words h_;
+};
+
+inline Zel32u mscsOfVectors(Zel32u h, const Zel8u*& p, const Zel8u* end) {
+    MscsOfVectors hash(h);
+    hash.take<4>(p, end);
+    if constexpr (MscsOfVectors::kLanes == 64) hash.take<1>(p, end);
+    return hash.value();
+}
+
+/// h = (h * 33) ^ c from 5381, up to the first zero element.
 template <typename T>
 Zel32u hashMSCS(const T* src, int len) {
     Zel32u h = 5381;
-    for (int i = 0; i < len && src[i] != 0; ++i) h = (h * 33) ^ src[i];
+    int i = 0;
+    if constexpr (sizeof(T) == 1) {
+        // Narrower vectors do little better than the loop, one by one they do worse.
+        constexpr int kWorthVectors = Vec<T>::kLanes == 64 ? 64 : Vec<T>::kLanes == 32 ? 256 : 1024;
+        const T* p = src;
+        if (len >= kWorthVectors) h = mscsOfVectors(h, p, src + len);
+        i = static_cast<int>(p - src);
+    }
+    for (; i < len && src[i] != 0; ++i) h = (h * 33) ^ src[i];
     return h;
 }
 

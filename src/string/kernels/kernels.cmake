@@ -21,7 +21,7 @@ set(ZELCHMX_FLAGS_avx512 ${ZELCHMX_FLAGS_avx2}
 
 # GCC 12 takes the undefined operand inside some of its own intrinsics for a mistake of ours.
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-    list(APPEND ZELCHMX_FLAGS_avx512 -Wno-maybe-uninitialized)
+    list(APPEND ZELCHMX_FLAGS_avx512 -Wno-maybe-uninitialized -Wno-uninitialized)
 endif()
 
 # The narrowest first: where several objects carry a copy of the same inline function, the linker
