@@ -47,12 +47,12 @@ struct AtomicGroup {
         return keepingCaptures(captures, context, [&] {
             const int before = whole.length;
             if (!runSubprogram(open, text, length, context)) return 1;
-            const int taken = whole.length - before;
+            const int taken = wrappingDifference(whole.length, before);
             const Zel8u* reached = context.reached;
             const int left = length - static_cast<int>(reached - text);
             const int result =
                 reached == text ? runRest(text, length) : run(reached, left, count + 1);
-            if (result != 0) whole.length -= taken;
+            if (result != 0) whole.length = wrappingDifference(whole.length, taken);
             return result;
         });
     }

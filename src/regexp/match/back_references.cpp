@@ -77,7 +77,7 @@ int ownsNodeBackReferenceQuantifierMin(const Zel8u* text, int length, RegExpMatc
     const Node& quantifier = context.nodes[context.node + 1];
     if (quantifier.value != 0 && !reference.copiesAt(text, length, quantifier.value)) return 1;
     int offset = quantifier.value == 0 ? 0 : quantifier.value * reference.size;
-    whole.length += offset;
+    whole.length = wrappingSum(whole.length, offset);
     for (int count = quantifier.value;; ++count) {
         if (runFrom(rest, text + offset, length - offset, context) == 0) return 0;
         // An empty copy would only lead to the same place again.
@@ -86,9 +86,9 @@ int ownsNodeBackReferenceQuantifierMin(const Zel8u* text, int length, RegExpMatc
             break;
         }
         offset += reference.size;
-        whole.length += reference.size;
+        whole.length = wrappingSum(whole.length, reference.size);
     }
-    whole.length -= offset;
+    whole.length = wrappingDifference(whole.length, offset);
     return 1;
 }
 

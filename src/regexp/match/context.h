@@ -51,6 +51,15 @@ struct RegExpMatchContext {
     }
 };
 
+/// Sum and difference for the whole match's length, which counts modulo 2^32: every lazy loop that
+/// fails may leave it raised, and there may be more of that than a text can hold.
+constexpr int wrappingSum(int a, int b) {
+    return static_cast<int>(static_cast<Zel32u>(a) + static_cast<Zel32u>(b));
+}
+constexpr int wrappingDifference(int a, int b) {
+    return static_cast<int>(static_cast<Zel32u>(a) - static_cast<Zel32u>(b));
+}
+
 using NodeFunction = int(const Zel8u* text, int length, RegExpMatchContext& context);
 
 // engine.cpp

@@ -135,7 +135,7 @@ Walk::Step Walk::execute(const Node& node) {
             return kGoOn;
         case NodeAlternative: {
             if (node.value < 1) {  // the whole match is complete
-                whole.length += consumed;
+                whole.length = wrappingSum(whole.length, consumed);
                 return kDone;
             }
             if (closesSubprogram(context, node.value)) return finish();
@@ -169,8 +169,8 @@ Walk::Step Walk::execute(const Node& node) {
 
 /// The end of the (sub)program.
 Walk::Step Walk::finish() {
-    if (context.noEmpty != 0 && whole.length + consumed == 0) return kFailed;
-    whole.length += consumed;
+    if (context.noEmpty != 0 && wrappingSum(whole.length, consumed) == 0) return kFailed;
+    whole.length = wrappingSum(whole.length, consumed);
     context.reached = text;
     return kDone;
 }

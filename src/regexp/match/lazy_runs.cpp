@@ -57,14 +57,14 @@ int ownsNodeAnyByteQuantifierMin(const Zel8u* text, int length, RegExpMatchConte
     const int max = quantifier.count < length ? quantifier.count : length;
     if (length < quantifier.value) return 1;
     int taken = quantifier.value;
-    whole.length += taken;
-    for (; taken <= max; ++taken, ++whole.length) {
+    whole.length = wrappingSum(whole.length, taken);
+    for (; taken <= max; ++taken, whole.length = wrappingSum(whole.length, 1)) {
         if (hint < 0 || text[taken] == hint) {
             if (runFrom(rest, text + taken, length - taken, context) == 0) return 0;
             if (isHopeless(context)) break;
         }
     }
-    whole.length -= taken;
+    whole.length = wrappingDifference(whole.length, taken);
     return 1;
 }
 
@@ -78,16 +78,16 @@ int ownsNodeCharacterClassQuantifierMin(const Zel8u* text, int length,
     const ClassMatcher matches(context, index, set);
     Run run;
     if (!run.take(text, length, quantifier.value, matches)) return 1;
-    whole.length += run.offset;
+    whole.length = wrappingSum(whole.length, run.offset);
     for (;;) {
         if (runFrom(behind + 1, text + run.offset, length - run.offset, context) == 0) return 0;
         const int before = run.offset;
         if (isHopeless(context) || run.count >= quantifier.count ||
             !run.take(text, length, run.count + 1, matches))
             break;
-        whole.length += run.offset - before;
+        whole.length = wrappingSum(whole.length, run.offset - before);
     }
-    whole.length -= run.offset;
+    whole.length = wrappingDifference(whole.length, run.offset);
     return 1;
 }
 

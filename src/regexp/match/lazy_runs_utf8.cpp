@@ -20,7 +20,8 @@ template <typename Matches>
 bool takeMandatory(Run& run, const Zel8u* text, int length, RegExpMatchContext& context,
                    const Matches& matches) {
     if (!run.take(text, length, context.nodes[context.node + 1].value, matches)) return false;
-    context.captures[0].length += run.offset;
+    CaptureRecord& whole = context.captures[0];
+    whole.length = wrappingSum(whole.length, run.offset);
     return true;
 }
 
@@ -114,7 +115,7 @@ int ownsNodeLetterQuantifierMinUtf8(const Zel8u* text, int length, RegExpMatchCo
             // Nothing is tried any more, and there are not more characters than may be taken.
             taken = static_cast<int>(endOfLazyRun(index, position, context, matches) - position);
         }
-        whole.length += taken;
+        whole.length = wrappingSum(whole.length, taken);
         run.offset += taken;
         ++run.count;
     }
@@ -137,7 +138,7 @@ int ownsNodeLetterQuantifierMinUnicodeBlock(const Zel8u* text, int length,
             if (isHopeless(context)) return 1;
         }
         const int taken = utf8Length(position, length - run.offset);
-        whole.length += taken;
+        whole.length = wrappingSum(whole.length, taken);
         run.offset += taken;
         ++run.count;
     }
@@ -160,7 +161,7 @@ int ownsNodeLetterQuantifierMinCombLetter(const Zel8u* text, int length,
         if (runFrom(rest, position, length - run.offset, context) == 0) return 0;
         if (run.offset >= length || isHopeless(context)) return 1;
         const int taken = measureCombiningSequence(position, end);
-        whole.length += taken;
+        whole.length = wrappingSum(whole.length, taken);
         run.offset += taken;
         ++run.count;
     }

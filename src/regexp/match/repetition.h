@@ -35,16 +35,16 @@ template <typename Previous>
 int giveBack(const Zel8u* text, int length, RegExpMatchContext& context, int rest, int count,
              int offset, int min, const Previous& previous) {
     CaptureRecord& whole = context.captures[0];
-    whole.length += offset;
+    whole.length = wrappingSum(whole.length, offset);
     while (count >= min) {
         if (runFrom(rest, text + offset, length - offset, context) == 0) return 0;
         if (context.steps < 0 || --count < min) break;  // without steps every further try fails
         const int back = previous(text + offset);
         if (text + offset - back < context.textStart) break;
         offset -= back;
-        whole.length -= back;
+        whole.length = wrappingDifference(whole.length, back);
     }
-    whole.length -= offset;
+    whole.length = wrappingDifference(whole.length, offset);
     return 1;
 }
 
@@ -61,7 +61,7 @@ int repeatLazy(const Zel8u* text, int length, RegExpMatchContext& context, const
     if (length < quantifier.value) return 1;
     Run run;
     if (!run.take(text, length, quantifier.value, matches)) return 1;
-    whole.length += run.offset;
+    whole.length = wrappingSum(whole.length, run.offset);
     while (run.count <= limit) {
         const Zel8u* position = text + run.offset;
         if (hint < 0 || *position == hint) {  // at the end, the byte behind the text decides
@@ -71,7 +71,7 @@ int repeatLazy(const Zel8u* text, int length, RegExpMatchContext& context, const
         if (run.offset >= length) return 1;
         const int taken = matches(position);
         if (taken == 0) return 1;
-        whole.length += taken;
+        whole.length = wrappingSum(whole.length, taken);
         run.offset += taken;
         ++run.count;
     }

@@ -81,18 +81,18 @@ private:
     /// Calls a node function, or anything else that looks at the whole match's length.
     template <typename Function>
     auto withLength(const Function& function) {
-        whole.length += consumed;
+        whole.length = wrappingSum(whole.length, consumed);
         const auto result = function();
-        whole.length -= consumed;
+        whole.length = wrappingDifference(whole.length, consumed);
         return result;
     }
     /// Hands the node, and everything behind it, to a node function.
     template <typename Function>
     Step handOver(const Function& function) {
         context.node = index;
-        whole.length += consumed;
+        whole.length = wrappingSum(whole.length, consumed);
         if (function(text, length(), context) == 0) return kDone;
-        whole.length -= consumed;
+        whole.length = wrappingDifference(whole.length, consumed);
         return kFailed;
     }
     Choice& push(Choice::Kind kind, int node) {
