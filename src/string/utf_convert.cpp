@@ -1,8 +1,11 @@
-// UTF-8 to UTF-16 and back. The loops follow the decode rule of utf8.h one character at a time; the
-// way they end, with a test for exactly zero, is part of the interface.
+// UTF-8 to UTF-16 and back. Blocks of ordinary text are converted as such; everything else follows
+// the decode rule of utf8.h one character at a time, for a while. The way the loops end, with a
+// test for exactly zero, is part of the interface.
 #include "string/utf_convert.h"
 
 #include "core/checks.h"
+#include "string/kernels/utf16_to_8.h"
+#include "string/kernels/utf8_to_16.h"
 #include "string/utf8.h"
 #include "zelchmx.h"
 
@@ -12,6 +15,9 @@ namespace {
 
 // A sequence is read as long as it says it is, not only up to the end of the source.
 constexpr long kUnboundedSequence = 6;
+
+// Elements that are converted one character at a time before the next try with blocks.
+constexpr int kStretch = 64;
 
 constexpr bool isHighSurrogate(int unit) {
     return (unit & 0xFC00) == 0xD800;
@@ -58,41 +64,43 @@ int readUnit(const Zel16u* p, bool swapBytes) {
 }  // namespace
 
 Converted convertUtf8To16(const Zel8u* src, int srcLen, Zel16u* dst, int dstLen, bool swapBytes) {
-    long remaining = srcLen;
-    long room = dstLen;
-    while (remaining != 0 && room != 0) {
-        const Utf8Char c = decodeUtf8(src, kUnboundedSequence);
-        const int units = putUtf16(c.value, dst, swapBytes);
-        src += c.length;
-        remaining -= c.length;
-        dst += units;
-        room -= units;
+    To16 at = {src, srcLen, dst, dstLen};
+    while (!at.isAtEnd()) {
+        // Swapped units are no ordinary text.
+        if (!swapBytes) convertBlocks(at);
+        const Zel8u* const resume = at.src + kStretch;
+        while (!at.isAtEnd() && at.src < resume) {
+            const Utf8Char c = decodeUtf8(at.src, kUnboundedSequence);
+            at.advance(c.length, putUtf16(c.value, at.dst, swapBytes));
+        }
     }
-    return {static_cast<int>(srcLen - remaining), static_cast<int>(dstLen - room)};
+    return {static_cast<int>(srcLen - at.remaining), static_cast<int>(dstLen - at.room)};
 }
 
 Converted convertUtf16To8(const Zel16u* src, int srcLen, Zel8u* dst, int dstLen, bool swapBytes) {
-    long remaining = srcLen;
-    long room = dstLen;
-    while (remaining != 0 && room != 0) {
-        int value = readUnit(src, swapBytes);
-        int units = 1;
-        if (isHighSurrogate(value) && remaining != 1) {
-            const int next = readUnit(src + 1, swapBytes);
-            if (isLowSurrogate(next)) {
-                value = (((value & 0x3FF) << 10) | (next & 0x3FF)) + 0x10000;
-                units = 2;
+    To8 at = {src, srcLen, dst, dstLen};
+    bool fits = true;
+    while (fits && !at.isAtEnd()) {
+        convertBlocks(at, swapBytes);
+        const Zel16u* const resume = at.src + kStretch;
+        while (fits && !at.isAtEnd() && at.src < resume) {
+            int value = readUnit(at.src, swapBytes);
+            int units = 1;
+            if (isHighSurrogate(value) && at.remaining != 1) {
+                const int next = readUnit(at.src + 1, swapBytes);
+                if (isLowSurrogate(next)) {
+                    value = (((value & 0x3FF) << 10) | (next & 0x3FF)) + 0x10000;
+                    units = 2;
+                }
             }
+            const int size = utf8Size(value);
+            fits = size <= at.room;
+            if (!fits) break;
+            putUtf8(value, size, at.dst);
+            at.advance(units, size);
         }
-        const int size = utf8Size(value);
-        if (size > room) break;
-        putUtf8(value, size, dst);
-        src += units;
-        remaining -= units;
-        dst += size;
-        room -= size;
     }
-    return {static_cast<int>(srcLen - remaining), static_cast<int>(dstLen - room)};
+    return {static_cast<int>(srcLen - at.remaining), static_cast<int>(dstLen - at.room)};
 }
 
 ZelStatus zelsConvertUTF_8u16u(const Zel8u* pSrc, int* pSrcLen, Zel16u* pDst, int* pDstLen,

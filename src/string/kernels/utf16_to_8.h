@@ -1,0 +1,185 @@
+// UTF-16 to UTF-8, a block at a time, as long as there is room for all of a block. Every text is
+// ordinary here, lone surrogates too.
+//
+// AVX-512 takes 32 units at a time and builds the bytes of each character in a lane of its own: a
+// unit's lane where none needs more than two bytes, else a double word. One compression closes the
+// gaps. The lane of a pair's second unit stays empty; the one at the start of a block is remembered
+// from the block before.
+//
+// The others narrow ASCII, and take runs of units of two bytes or of three, eight at a time.
+#pragma once
+
+#include "string/kernels/utf_cursor.h"
+
+namespace zel::ZEL_ISA {
+
+using To8 = Cursor<Zel16u, Zel8u>;
+
+#if defined(ZEL_ISA_AVX512)
+
+template <bool swapBytes>
+class Utf16BlockConverter {
+public:
+    explicit Utf16BlockConverter(To8& cursor) : at_(cursor) {}
+
+    void run() {
+        // The unit behind a block decides whether its last one begins a pair.
+        while (at_.remaining > kUnits && at_.room > 0) {
+            const auto next = [this] { return _mm512_loadu_si512(at_.src + 1); };
+            if (!convert(inOrder(_mm512_loadu_si512(at_.src)), next, kUnits)) return finish();
+        }
+        if (at_.remaining > 0 && at_.room > 0) {
+            const int n = static_cast<int>(at_.remaining);
+            const auto next = [this, n] { return Vec<Zel16u>::loadFirst(at_.src + 1, n - 1).v; };
+            convert(inOrder(Vec<Zel16u>::loadFirst(at_.src, n).v), next, n);
+        }
+        finish();
+    }
+
+private:
+    static constexpr int kUnits = 32;
+
+    /// Passes over the second unit of the last pair.
+    void finish() { at_.advance(owed_, 0); }
+
+    ZEL_INLINE static __m512i inOrder(__m512i v) {
+        if constexpr (!swapBytes) return v;
+        return _mm512_or_si512(_mm512_slli_epi16(v, 8), _mm512_srli_epi16(v, 8));
+    }
+
+    /// The units of one kind of surrogates, which agree in the upper six bits.
+    ZEL_INLINE static uint32_t surrogates(__m512i units, int first) {
+        const __m512i kind = _mm512_and_si512(units, _mm512_set1_epi16(static_cast<short>(0xFC00)));
+        return _mm512_cmpeq_epi16_mask(kind, _mm512_set1_epi16(static_cast<short>(first)));
+    }
+
+    /// Converts the first n units, if there is room for their bytes. `next` loads the units one
+    /// further on.
+    template <typename Next>
+    ZEL_INLINE bool convert(__m512i units, Next next, int n) {
+        const uint32_t above7 = _mm512_test_epi16_mask(units, _mm512_set1_epi16(-0x80));
+        const uint32_t above11 = _mm512_test_epi16_mask(units, _mm512_set1_epi16(-0x800));
+        if (above11 == 0) {
+            const int count = n + __builtin_popcount(above7);
+            if (count > at_.room) return false;
+            if (above7 == 0) {
+                _mm256_mask_storeu_epi8(at_.dst, static_cast<__mmask32>(lowBits(n)),
+                                        _mm512_cvtepi16_epi8(units));
+            } else {
+                storeShort(units, above7, n, count);
+            }
+            at_.advance(n, count);
+            return true;
+        }
+
+        uint32_t pairs = 0;
+        __m512i second = _mm512_setzero_si512();
+        if (const uint32_t high = surrogates(units, 0xD800); high != 0) {
+            second = inOrder(next());
+            pairs = high & surrogates(second, 0xDC00);
+        }
+        const uint32_t kept = static_cast<uint32_t>(lowBits(n)) & ~(pairs << 1 | owed_);
+        const Sizes sizes = {kept, above7 & kept, above11 & kept, pairs};
+        const int count = sizes.sum();
+        if (count > at_.room) return false;
+        storeLong(_mm512_castsi512_si256(units), _mm512_castsi512_si256(second), sizes.lowerHalf());
+        storeLong(_mm512_extracti64x4_epi64(units, 1), _mm512_extracti64x4_epi64(second, 1),
+                  sizes.upperHalf());
+        at_.src += n;
+        at_.remaining -= n;
+        owed_ = pairs >> 31;
+        return true;
+    }
+
+    /// Stores units below 0x800, in a word each.
+    ZEL_INLINE void storeShort(__m512i units, uint32_t above7, int n, int count) {
+        const __m512i bits = choose(_mm512_set1_epi16(0x3F00), _mm512_slli_epi16(units, 8),
+                                    _mm512_srli_epi16(units, 6));
+        const __m512i two = _mm512_or_si512(bits, _mm512_set1_epi16(static_cast<short>(0x80C0)));
+        const __m512i bytes = _mm512_mask_mov_epi16(units, above7, two);
+        const uint64_t used = _mm512_movepi8_mask(bytes) | (0x5555555555555555 & lowBits(2 * n));
+        _mm512_mask_storeu_epi8(at_.dst, lowBits(count), _mm512_maskz_compress_epi8(used, bytes));
+    }
+
+    /// Which of the units have a byte at all, and a second, third and fourth one.
+    struct Sizes {
+        uint32_t one, two, three, four;
+
+        ZEL_INLINE int sum() const {
+            return __builtin_popcount(one) + __builtin_popcount(two) + __builtin_popcount(three) +
+                   __builtin_popcount(four);
+        }
+        ZEL_INLINE Sizes lowerHalf() const {
+            return {one & 0xFFFF, two & 0xFFFF, three & 0xFFFF, four & 0xFFFF};
+        }
+        ZEL_INLINE Sizes upperHalf() const {
+            return {one >> 16, two >> 16, three >> 16, four >> 16};
+        }
+    };
+
+    /// Stores 16 units, in a double word each. The last byte of a character is that of its lane.
+    ZEL_INLINE void storeLong(__m256i units, __m256i second, Sizes sizes) {
+        const auto lanes = [](uint32_t bits) { return static_cast<__mmask16>(bits); };
+        __m512i value = _mm512_cvtepu16_epi32(units);
+        if (sizes.four != 0) {
+            constexpr int kMarks = (0xD800 << 10) + 0xDC00 - 0x10000;
+            const __m512i low =
+                _mm512_sub_epi32(_mm512_cvtepu16_epi32(second), _mm512_set1_epi32(kMarks));
+            const __m512i high = _mm512_slli_epi32(value, 10);
+            value = _mm512_mask_add_epi32(value, lanes(sizes.four), high, low);
+        }
+        // Six bits a byte, the first one of each lane at the lower end.
+        const __m512i sixes = _mm512_set1_epi64(0x20262C3200060C12);
+        const __m512i continuationBits = _mm512_set1_epi32(0x3F3F3F07);
+        const __m512i marks = _mm512_set1_epi32(static_cast<int>(0x808080F0));
+        __m512i bytes = _mm512_multishift_epi64_epi8(sixes, value);
+        bytes = _mm512_ternarylogic_epi32(bytes, continuationBits, marks, 0xEA);
+        // Where the sequence begins later, its first byte becomes a lead byte.
+        bytes = _mm512_mask_or_epi32(bytes, lanes(sizes.three & ~sizes.four), bytes,
+                                     _mm512_set1_epi32(0x6000));
+        bytes = _mm512_mask_or_epi32(bytes, lanes(sizes.two & ~sizes.three), bytes,
+                                     _mm512_set1_epi32(0x400000));
+        bytes = _mm512_mask_slli_epi32(bytes, lanes(~sizes.two), value, 24);
+
+        const uint64_t used =
+            _pdep_u64(sizes.one, 0x8888888888888888) | _pdep_u64(sizes.two, 0x4444444444444444) |
+            _pdep_u64(sizes.three, 0x2222222222222222) | _pdep_u64(sizes.four, 0x1111111111111111);
+        const int count = __builtin_popcountll(used);
+        _mm512_mask_storeu_epi8(at_.dst, lowBits(count), _mm512_maskz_compress_epi8(used, bytes));
+        at_.dst += count;
+        at_.room -= count;
+    }
+
+    /// Bits of `a` where the mask's bits are set, bits of b elsewhere.
+    ZEL_INLINE static __m512i choose(__m512i mask, __m512i a, __m512i b) {
+        return _mm512_ternarylogic_epi64(mask, a, b, 0xCA);
+    }
+
+    To8& at_;
+    uint32_t owed_ = 0;  // 1 when the next unit belongs to the last pair
+};
+
+/// Converts as much as there surely is room for.
+ZEL_INLINE void convertBlocks(To8& cursor, bool swapBytes) {
+    if (swapBytes)
+        Utf16BlockConverter<true>(cursor).run();
+    else
+        Utf16BlockConverter<false>(cursor).run();
+}
+
+#else
+
+/// Narrows ASCII.
+ZEL_INLINE void convertBlocks(To8& cursor, bool swapBytes) {
+    constexpr int n = Vec<Zel16u>::kLanes;
+    const Vec<Zel16u> beyond = Vec<Zel16u>::splat(static_cast<Zel16u>(swapBytes ? 0x80FF : 0xFF80));
+    while (cursor.remaining >= n && cursor.room >= n) {
+        const Vec<Zel16u> units = Vec<Zel16u>::load(cursor.src);
+        if (!equal(units & beyond, Vec<Zel16u>::zero()).mask().isAll()) return;
+        return;
+    }
+}
+
+#endif
+
+}  // namespace zel::ZEL_ISA
