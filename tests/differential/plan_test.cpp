@@ -132,6 +132,23 @@ const OneWayPattern kOneWay[] = {
     {"signal\\C", "", false},
 };
 
+// Characters in a row, collected without the engine in UTF-8 text.
+const char* const kSequences[] = {"[\\x{3B1}-\\x{3C9}\xC3\xA9]+",
+                                  "\\p{Lu}\\p{Ll}+",
+                                  "\\P{Lu}{2}\\p{L}",
+                                  ".{4}",
+                                  "\\W\\w{2,5}",
+                                  "[^a-z\xC3\xA9]{3}",
+                                  "\\x{3B1}.{0,2}",
+                                  "\\p{InGreek}[^q]+",
+                                  "(?i)[\xC3\x89-\xC3\xA9x]+",
+                                  "[\\x{20AC}\\x{1F600}]+",
+                                  "\\x{E9}{1}\\p{L}{0}[a-z]?",
+                                  "\\p{L}{3,2}",
+                                  "\\p{L&}+",
+                                  "\\p{C}",
+                                  "[a-\xC3\xA9]"};
+
 const char* const kFragments[] = {"signal",
                                   "signals",
                                   "SIGNAL",
@@ -282,9 +299,13 @@ TEST(OneWay, SearchesAgreeWithTheModel) {
     });
 }
 
-TEST(Plan, PlainRunsAgreeWithTheModel) {
+TEST(Plan, RunsAndSequencesAgreeWithTheModel) {
     onDeepStack([] {
         for (const char* pattern : kPlainRuns) compareOnTexts(pattern, "", kTexts);
+        for (const char* pattern : kSequences) {
+            compareOnTexts(pattern, "", kTexts);
+            compareOnTexts(pattern, "i", kTexts);
+        }
     });
 }
 

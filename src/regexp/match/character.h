@@ -68,9 +68,18 @@ void buildClassSet(const Node& head, Zel32u flags, ClassSet& set);
 /// code-point node, of a bracket class.
 ByteSet firstBytesOfCodePoints(const Node& node, Zel32u flags);
 ByteSet firstBytesOfClass(const Node& head, Zel32u flags);
-/// classAccepts for a character of two bytes; notes in the set that its lead byte was met.
-bool learnClassAnswer(const Node& head, const Zel8u* text, int codePoint, Zel32u flags,
-                      const ClassSet& set);
+/// The set form of any node that stands for one character, but a letter.
+void buildCharacterSet(const Node& node, Zel32u flags, ClassSet& set);
+/// acceptsCharacter for a character of two bytes; notes in the set that its lead byte was met.
+bool learnAnswer(const Node& node, const Zel8u* text, int codePoint, Zel32u flags,
+                 const ClassSet& set);
+
+/// The same for a class or any other node that stands for one character, but a letter.
+inline bool acceptsCharacter(const Node& node, const Zel8u* text, int codePoint, int length,
+                             Zel32u flags) {
+    return node.kind == NodeCharacterClass ? classAccepts(node, text, codePoint, length, flags)
+                                           : memberAccepts(node, text, codePoint, length, flags);
+}
 
 /// Length of the character that ends at `text`, in text that begins at `start`, a character
 /// boundary. The bytes inside a well-formed sequence are never lead bytes, so looking back from a

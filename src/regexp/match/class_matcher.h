@@ -21,6 +21,30 @@ inline const ClassSet& classSet(RegExpMatchContext& context, int index) {
     return cache.sets[slot];
 }
 
+/// Length of the character at a position of UTF-8 text if the node, whose set form is `set`,
+/// accepts it, else 0.
+inline int acceptedLength(const ClassSet& set, const Node& node, const Zel8u* text,
+                          const Zel8u* end, Zel32u flags) {
+    if (*text < 0x80) return set.bytes.has(*text);
+    const unsigned lead = *text - 0xC0u;
+    if (lead < 32 && set.met[lead] == ClassSet::kKnown && end - text > 1) {
+        const unsigned low = text[1] ^ 0x80u;
+        if (low > 0x3F) return set.bytes.has(*text);
+        return ((set.answers[lead] >> low) & 1) != 0 ? 2 : 0;
+    }
+    const Utf8Char character = decodeUtf8Sequence(text, end - text);
+    if (character.length == 1) return set.bytes.has(*text);
+    const Zel32u c = static_cast<Zel32u>(character.value);
+    const bool isTested = set.wide == ClassSet::kTestWide && c >= set.first && c <= set.last;
+    bool accepted = set.elsewhere;
+    if (isTested && character.length == 2) {
+        accepted = learnAnswer(node, text, character.value, flags, set);
+    } else if (isTested) {
+        accepted = acceptsCharacter(node, text, character.value, character.length, flags);
+    }
+    return accepted ? character.length : 0;
+}
+
 /// Answers the length of the character at a position, 0 when the class does not accept it. Stays
 /// right as long as the search meets no other class: whoever runs the program in between keeps a
 /// copy of the set.
@@ -41,25 +65,8 @@ struct ClassMatcher {
           utf8(context.format == kFormatUtf8) {}
 
     int operator()(const Zel8u* text) const {
-        if (*text < 0x80 || !utf8) return set.bytes.has(*text);
-        const unsigned lead = *text - 0xC0u;
-        if (lead < 32 && set.met[lead] == ClassSet::kKnown && end - text > 1) {
-            const unsigned low = text[1] ^ 0x80u;
-            if (low > 0x3F) return set.bytes.has(*text);
-            return ((set.answers[lead] >> low) & 1) != 0 ? 2 : 0;
-        }
-        const Utf8Char character = decodeUtf8Sequence(text, end - text);
-        if (character.length == 1) return set.bytes.has(*text);
-        return acceptsWide(character.value, text, character.length) ? character.length : 0;
-    }
-
-private:
-    bool acceptsWide(int codePoint, const Zel8u* text, int length) const {
-        if (set.wide != ClassSet::kTestWide) return set.wide == ClassSet::kAllWide;
-        const Zel32u c = static_cast<Zel32u>(codePoint);
-        if (c < set.first || c > set.last) return set.elsewhere;
-        if (length == 2) return learnClassAnswer(head, text, codePoint, flags, set);
-        return classAccepts(head, text, codePoint, length, flags);
+        if (!utf8) return set.bytes.has(*text);
+        return acceptedLength(set, head, text, end, flags);
     }
 };
 

@@ -156,6 +156,16 @@ ByteSet leadBytes(const Node& node, Zel32u flags) {
     return leads;
 }
 
+/// What a set says to characters of several bytes.
+void setWide(const Span& span, ClassSet& set) {
+    set.elsewhere = span.elsewhere;
+    set.first = span.first;
+    set.last = span.last;
+    set.wide = span.elsewhere ? ClassSet::kAllWide : ClassSet::kNoWide;
+    if (span.first <= span.last) set.wide = ClassSet::kTestWide;
+    for (Zel8u& count : set.met) count = 0;
+}
+
 }  // namespace
 
 ByteSet firstBytesOfCodePoints(const Node& node, Zel32u flags) {
@@ -198,29 +208,34 @@ void buildClassSet(const Node& head, Zel32u flags, ClassSet& set) {
         set.bytes.invert();
         all.elsewhere = !all.elsewhere;
     }
-    set.elsewhere = all.elsewhere;
-    set.first = all.first;
-    set.last = all.last;
-    set.wide = all.elsewhere ? ClassSet::kAllWide : ClassSet::kNoWide;
-    if (all.first <= all.last) set.wide = ClassSet::kTestWide;
-    for (Zel8u& count : set.met) count = 0;
+    setWide(all, set);
 }
 
-bool learnClassAnswer(const Node& head, const Zel8u* text, int codePoint, Zel32u flags,
-                      const ClassSet& set) {
+void buildCharacterSet(const Node& node, Zel32u flags, ClassSet& set) {
+    if (node.kind == NodeCharacterClass) return buildClassSet(node, flags, set);
+    set.bytes = oneByteCharacters(node, flags);
+    setWide(wideSpan(node, flags), set);
+}
+
+bool learnAnswer(const Node& node, const Zel8u* text, int codePoint, Zel32u flags,
+                 const ClassSet& set) {
     const Zel8u lead = *text;
     Zel8u& met = set.met[lead & 0x1F];
     if (met + 1 < ClassSet::kKnown) {
         ++met;
-        return classAccepts(head, text, codePoint, 2, flags);
+        return acceptsCharacter(node, text, codePoint, 2, flags);
     }
     uint64_t answers = 0;
-    for (int i = 1; i <= head.count; ++i) {
-        const Node& member = (&head)[i];
-        const uint64_t bits = twoByteCharacters(member, lead, flags);
-        answers |= isInverted(member) ? ~bits : bits;
+    if (node.kind == NodeCharacterClass) {
+        for (int i = 1; i <= node.count; ++i) {
+            const Node& member = (&node)[i];
+            const uint64_t bits = twoByteCharacters(member, lead, flags);
+            answers |= isInverted(member) ? ~bits : bits;
+        }
+        if (node.value < 0) answers = ~answers;
+    } else {
+        answers = twoByteCharacters(node, lead, flags);
     }
-    if (head.value < 0) answers = ~answers;
     set.answers[lead & 0x1F] = answers;
     met = ClassSet::kKnown;
     return ((answers >> (text[1] & 0x3F)) & 1) != 0;

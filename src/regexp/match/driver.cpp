@@ -11,6 +11,7 @@
 
 #include "core/checks.h"
 #include "regexp/match/character.h"
+#include "regexp/match/character_sequence.h"
 #include "regexp/match/context.h"
 #include "regexp/match/first_letter.h"
 #include "regexp/match/one_way.h"
@@ -153,12 +154,25 @@ public:
     /// this search has to go the ordinary way.
     bool collectPlainRuns(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
         ByteSet bytes;
-        if (pay_ != Pay::kUpperBound || !isPlainRun(state_, context_.stack, bytes)) return false;
+        if (pay_ != Pay::kUpperBound) return false;
+        if (!isPlainRun(state_, context_.stack, bytes))
+            return collectSequences(start, results, capacity, written);
         // Each byte outside the runs, each run and the end of the text cost a step.
         const int length = static_cast<int>(context_.textEnd - start);
         if (context_.steps <= length) return false;
         int end = 0;
         *written = kernels::collectRunsOf(start, length, bytes.words, results, capacity, &end);
+        return true;
+    }
+
+    /// The same for a pattern that is a few characters in a row.
+    bool collectSequences(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
+        constexpr ptrdiff_t kLongText = 200;  // reading the pattern costs as much as some attempts
+        const ptrdiff_t length = context_.textEnd - start;
+        CharacterSequence sequence;
+        if (length < kLongText || !context_.stack.hasRoom(sizeof sequence)) return false;
+        if (!sequence.read(state_) || context_.steps / sequence.price() < length + 2) return false;
+        *written = sequence.collect(start, context_.textEnd, results, capacity);
         return true;
     }
 
