@@ -57,37 +57,23 @@ void putUtf8(int value, int size, Zel8u* dst) {
     dst[0] = static_cast<Zel8u>(value | UTF8_table2[size - 1]);
 }
 
-int readUnit(const Zel16u* p, bool swapBytes) {
+template <bool swapBytes>
+int readUnit(const Zel16u* p) {
     return swapBytes ? __builtin_bswap16(*p) : *p;
 }
 
-}  // namespace
-
-Converted convertUtf8To16(const Zel8u* src, int srcLen, Zel16u* dst, int dstLen, bool swapBytes) {
-    To16 at = {src, srcLen, dst, dstLen};
-    while (!at.isAtEnd()) {
-        // Swapped units are no ordinary text.
-        if (!swapBytes) convertBlocks(at);
-        const Zel8u* const resume = at.src + kStretch;
-        while (!at.isAtEnd() && at.src < resume) {
-            const Utf8Char c = decodeUtf8(at.src, kUnboundedSequence);
-            at.advance(c.length, putUtf16(c.value, at.dst, swapBytes));
-        }
-    }
-    return {static_cast<int>(srcLen - at.remaining), static_cast<int>(dstLen - at.room)};
-}
-
-Converted convertUtf16To8(const Zel16u* src, int srcLen, Zel8u* dst, int dstLen, bool swapBytes) {
+template <bool swapBytes>
+Converted convert16To8(const Zel16u* src, int srcLen, Zel8u* dst, int dstLen) {
     To8 at = {src, srcLen, dst, dstLen};
     bool fits = true;
     while (fits && !at.isAtEnd()) {
-        convertBlocks(at, swapBytes);
+        at = convertBlocks<swapBytes>(at);
         const Zel16u* const resume = at.src + kStretch;
         while (fits && !at.isAtEnd() && at.src < resume) {
-            int value = readUnit(at.src, swapBytes);
+            int value = readUnit<swapBytes>(at.src);
             int units = 1;
             if (isHighSurrogate(value) && at.remaining != 1) {
-                const int next = readUnit(at.src + 1, swapBytes);
+                const int next = readUnit<swapBytes>(at.src + 1);
                 if (isLowSurrogate(next)) {
                     value = (((value & 0x3FF) << 10) | (next & 0x3FF)) + 0x10000;
                     units = 2;
@@ -101,6 +87,27 @@ Converted convertUtf16To8(const Zel16u* src, int srcLen, Zel8u* dst, int dstLen,
         }
     }
     return {static_cast<int>(srcLen - at.remaining), static_cast<int>(dstLen - at.room)};
+}
+
+}  // namespace
+
+Converted convertUtf8To16(const Zel8u* src, int srcLen, Zel16u* dst, int dstLen, bool swapBytes) {
+    To16 at = {src, srcLen, dst, dstLen};
+    while (!at.isAtEnd()) {
+        // Swapped units are no ordinary text.
+        if (!swapBytes) at = convertBlocks(at);
+        const Zel8u* const resume = at.src + kStretch;
+        while (!at.isAtEnd() && at.src < resume) {
+            const Utf8Char c = decodeUtf8(at.src, kUnboundedSequence);
+            at.advance(c.length, putUtf16(c.value, at.dst, swapBytes));
+        }
+    }
+    return {static_cast<int>(srcLen - at.remaining), static_cast<int>(dstLen - at.room)};
+}
+
+Converted convertUtf16To8(const Zel16u* src, int srcLen, Zel8u* dst, int dstLen, bool swapBytes) {
+    return swapBytes ? convert16To8<true>(src, srcLen, dst, dstLen)
+                     : convert16To8<false>(src, srcLen, dst, dstLen);
 }
 
 ZelStatus zelsConvertUTF_8u16u(const Zel8u* pSrc, int* pSrcLen, Zel16u* pDst, int* pDstLen,

@@ -20,27 +20,31 @@ using To8 = Cursor<Zel16u, Zel8u>;
 template <bool swapBytes>
 class Utf16BlockConverter {
 public:
-    explicit Utf16BlockConverter(To8& cursor) : at_(cursor) {}
+    explicit Utf16BlockConverter(To8 at) : at_(at) {}
 
-    void run() {
+    /// Answers where it ended.
+    ZEL_INLINE To8 run() {
         // The unit behind a block decides whether its last one begins a pair.
         while (at_.remaining > kUnits && at_.room > 0) {
             const auto next = [this] { return _mm512_loadu_si512(at_.src + 1); };
-            if (!convert(inOrder(_mm512_loadu_si512(at_.src)), next, kUnits)) return finish();
+            if (!convert(inOrder(_mm512_loadu_si512(at_.src)), next, kUnits)) return end();
         }
         if (at_.remaining > 0 && at_.room > 0) {
             const int n = static_cast<int>(at_.remaining);
             const auto next = [this, n] { return Vec<Zel16u>::loadFirst(at_.src + 1, n - 1).v; };
             convert(inOrder(Vec<Zel16u>::loadFirst(at_.src, n).v), next, n);
         }
-        finish();
+        return end();
     }
 
 private:
     static constexpr int kUnits = 32;
 
     /// Passes over the second unit of the last pair.
-    void finish() { at_.advance(owed_, 0); }
+    ZEL_INLINE To8 end() {
+        at_.advance(owed_, 0);
+        return at_;
+    }
 
     ZEL_INLINE static __m512i inOrder(__m512i v) {
         if constexpr (!swapBytes) return v;
@@ -63,8 +67,12 @@ private:
             const int count = n + __builtin_popcount(above7);
             if (count > at_.room) return false;
             if (above7 == 0) {
-                _mm256_mask_storeu_epi8(at_.dst, static_cast<__mmask32>(lowBits(n)),
+                if (n == kUnits) {
+                    _mm256_storeu_si256(reinterpret_cast<__m256i*>(at_.dst),
                                         _mm512_cvtepi16_epi8(units));
+                } else
+                    _mm256_mask_storeu_epi8(at_.dst, static_cast<__mmask32>(lowBits(n)),
+                                            _mm512_cvtepi16_epi8(units));
             } else {
                 storeShort(units, above7, n, count);
             }
@@ -155,29 +163,21 @@ private:
         return _mm512_ternarylogic_epi64(mask, a, b, 0xCA);
     }
 
-    To8& at_;
+    To8 at_;
     uint32_t owed_ = 0;  // 1 when the next unit belongs to the last pair
 };
 
-/// Converts as much as there surely is room for.
-ZEL_INLINE void convertBlocks(To8& cursor, bool swapBytes) {
-    if (swapBytes)
-        Utf16BlockConverter<true>(cursor).run();
-    else
-        Utf16BlockConverter<false>(cursor).run();
+/// Converts as much as there surely is room for and answers where it ended.
+template <bool swapBytes>
+ZEL_INLINE To8 convertBlocks(To8 at) {
+    return Utf16BlockConverter<swapBytes>(at).run();
 }
 
 #else
 
-/// Narrows ASCII.
-ZEL_INLINE void convertBlocks(To8& cursor, bool swapBytes) {
-    constexpr int n = Vec<Zel16u>::kLanes;
-    const Vec<Zel16u> beyond = Vec<Zel16u>::splat(static_cast<Zel16u>(swapBytes ? 0x80FF : 0xFF80));
-    while (cursor.remaining >= n && cursor.room >= n) {
-        const Vec<Zel16u> units = Vec<Zel16u>::load(cursor.src);
-        if (!equal(units & beyond, Vec<Zel16u>::zero()).mask().isAll()) return;
-        return;
-    }
+template <bool swapBytes>
+ZEL_INLINE To8 convertBlocks(To8 at) {
+    return at;
 }
 
 #endif

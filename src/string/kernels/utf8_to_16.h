@@ -40,27 +40,28 @@ struct Utf8Block {
 
 class Utf8BlockConverter {
 public:
-    explicit Utf8BlockConverter(To16& cursor) : at_(cursor) {}
+    explicit Utf8BlockConverter(To16 at) : at_(at) {}
 
-    void run() {
+    /// Answers where it ended.
+    ZEL_INLINE To16 run() {
         while (at_.remaining >= kWhole && at_.room >= 64) {
             const __m512i bytes = _mm512_loadu_si512(at_.src);
             if (_mm512_movepi8_mask(bytes) == 0) {
-                widen(bytes, 64);
+                widen(bytes);
             } else if (!convert(Utf8Block::load(at_.src), 64)) {
-                return finish();
+                return end();
             }
         }
         while (at_.remaining > 0 && at_.room > 0) {
             const int n = static_cast<int>(at_.remaining < 64 ? at_.remaining : 64);
             const __m512i bytes = Vec<Zel8u>::loadFirst(at_.src, n).v;
             if (_mm512_movepi8_mask(bytes) == 0) {
-                widen(bytes, static_cast<int>(at_.room < n ? at_.room : n));
+                widenFirst(bytes, static_cast<int>(at_.room < n ? at_.room : n));
             } else if (!convert(Utf8Block::loadFirst(at_.src, at_.remaining), n)) {
                 break;
             }
         }
-        finish();
+        return end();
     }
 
 private:
@@ -68,15 +69,25 @@ private:
     static constexpr int kWhole = 67;
 
     /// Passes over what the last character has taken of the next block.
-    void finish() { at_.advance(__builtin_popcountll(owed_), 0); }
+    ZEL_INLINE To16 end() {
+        at_.advance(__builtin_popcountll(owed_), 0);
+        return at_;
+    }
 
-    /// Widens the first n of the bytes.
-    ZEL_INLINE void widen(__m512i bytes, int n) {
+    /// Widens 64 bytes of ASCII.
+    ZEL_INLINE void widen(__m512i bytes) {
+        const __m256i upper = _mm512_extracti64x4_epi64(bytes, 1);
+        _mm512_storeu_si512(at_.dst, _mm512_cvtepu8_epi16(_mm512_castsi512_si256(bytes)));
+        _mm512_storeu_si512(at_.dst + 32, _mm512_cvtepu8_epi16(upper));
+        at_.advance(64, 64);
+    }
+    /// Widens the first n.
+    ZEL_INLINE void widenFirst(__m512i bytes, int n) {
         const __m512i low = _mm512_cvtepu8_epi16(_mm512_castsi512_si256(bytes));
-        Vec<Zel16u>{low}.storeFirst(at_.dst, n < 32 ? n : 32);
+        _mm512_mask_storeu_epi16(at_.dst, static_cast<__mmask32>(lowBits(n)), low);
         if (n > 32) {
             const __m512i high = _mm512_cvtepu8_epi16(_mm512_extracti64x4_epi64(bytes, 1));
-            Vec<Zel16u>{high}.storeFirst(at_.dst + 32, n - 32);
+            _mm512_mask_storeu_epi16(at_.dst + 32, static_cast<__mmask32>(lowBits(n - 32)), high);
         }
         at_.advance(n, n);
     }
@@ -176,18 +187,20 @@ private:
                                 static_cast<long long>(0x808080808080FFFF));
     }
 
-    To16& at_;
+    To16 at_;
     uint64_t owed_ = 0;  // the first bytes of the next block that belong to a character of this one
 };
 
-/// Converts as many whole blocks as are ordinary. What remains may be ordinary too.
-ZEL_INLINE void convertBlocks(To16& cursor) {
-    Utf8BlockConverter(cursor).run();
+/// Converts as many blocks as are ordinary and answers where it ended.
+ZEL_INLINE To16 convertBlocks(To16 at) {
+    return Utf8BlockConverter(at).run();
 }
 
 #else
 
-ZEL_INLINE void convertBlocks(To16&) {}
+ZEL_INLINE To16 convertBlocks(To16 at) {
+    return at;
+}
 
 #endif
 
