@@ -23,6 +23,11 @@ struct ByteSet {
     constexpr void add(unsigned byte) { words[byte >> 6] |= uint64_t{1} << (byte & 63); }
     /// Adds the bytes from first to last; there may be none, and numbers that are no bytes.
     constexpr void addRange(unsigned first, unsigned last) {
+        if (last < 256 && first <= last && first >> 6 == last >> 6) {  // as most ranges are
+            words[first >> 6] |=
+                (~uint64_t{0} << (first & 63)) & (~uint64_t{0} >> (63 - (last & 63)));
+            return;
+        }
         for (unsigned w = 0; w < 4; ++w) words[w] |= bitsBetween(first, last, 64 * w);
     }
     constexpr void addAll(const ByteSet& other) {

@@ -62,8 +62,10 @@ bool memberAccepts(const Node& member, const Zel8u* text, int codePoint, int len
 bool classAccepts(const Node& head, const Zel8u* text, int codePoint, int length, Zel32u flags);
 
 // class_set.cpp
-/// Builds the set form of a bracket class.
+/// Builds the set form of a bracket class: all of it, its one-byte characters, all but those.
 void buildClassSet(const Node& head, Zel32u flags, ClassSet& set);
+ByteSet bytesOfClass(const Node& head, Zel32u flags);
+void lookAtWide(const Node& head, Zel32u flags, ClassSet& set);
 /// The bytes that an accepted character can begin with in UTF-8 text, and perhaps others: of a
 /// code-point node, of a bracket class.
 ByteSet firstBytesOfCodePoints(const Node& node, Zel32u flags);

@@ -16,7 +16,9 @@ inline const ClassSet& classSet(RegExpMatchContext& context, int index) {
     const int key = (context.flags & kOptionIgnoreCase) != 0 ? index | kIgnoreCaseKey : index;
     if (cache.key[slot] != key) {
         cache.key[slot] = key;
-        buildClassSet(context.nodes[index], context.flags, cache.sets[slot]);
+        cache.sets[slot].bytes = bytesOfClass(context.nodes[index], context.flags);
+        if (context.format == kFormatUtf8)
+            lookAtWide(context.nodes[index], context.flags, cache.sets[slot]);
     }
     return cache.sets[slot];
 }

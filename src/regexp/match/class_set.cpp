@@ -166,6 +166,23 @@ void setWide(const Span& span, ClassSet& set) {
     for (Zel8u& count : set.met) count = 0;
 }
 
+/// Adds a member that is a plain byte, range or shorthand; false for any other.
+bool addPlainMember(const Node& member, Zel32u flags, ByteSet& set) {
+    switch (member.kind) {
+        case NodeLetter:
+            set.add(static_cast<Zel8u>(member.value));
+            return true;
+        case NodeRange:
+            set.addRange(low(member), high(member));
+            return true;
+        case NodeLetterRange:
+            set.addAll(shorthandBytes(member.value, flags));
+            return true;
+        default:
+            return false;
+    }
+}
+
 }  // namespace
 
 ByteSet firstBytesOfCodePoints(const Node& node, Zel32u flags) {
@@ -186,29 +203,39 @@ ByteSet firstBytesOfClass(const Node& head, Zel32u flags) {
     return set.bytes;
 }
 
-void buildClassSet(const Node& head, Zel32u flags, ClassSet& set) {
-    set.bytes = ByteSet{};
+ByteSet bytesOfClass(const Node& head, Zel32u flags) {
+    const bool ignoreCase = (flags & kOptionIgnoreCase) != 0;
+    ByteSet set = {};
+    for (int i = 1; i <= head.count; ++i) {
+        const Node& member = (&head)[i];
+        if (!ignoreCase && member.extra == 0 && addPlainMember(member, flags, set)) continue;
+        ByteSet bytes = oneByteCharacters(member, flags);
+        if (isInverted(member)) bytes.invert();
+        set.addAll(bytes);
+    }
+    if (head.value < 0) set.invert();
+    return set;
+}
+
+void lookAtWide(const Node& head, Zel32u flags, ClassSet& set) {
     Span all = kNowhere;
     for (int i = 1; i <= head.count; ++i) {
         const Node& member = (&head)[i];
-        ByteSet bytes = oneByteCharacters(member, flags);
         Span span = wideSpan(member, flags);
-        if (isInverted(member)) {
-            bytes.invert();
-            span.elsewhere = !span.elsewhere;
-        }
-        set.bytes.addAll(bytes);
+        if (isInverted(member)) span.elsewhere = !span.elsewhere;
         all.elsewhere = all.elsewhere || span.elsewhere;
         if (span.first > span.last) continue;
         const bool isFirst = all.first > all.last;
         if (isFirst || span.first < all.first) all.first = span.first;
         if (isFirst || span.last > all.last) all.last = span.last;
     }
-    if (head.value < 0) {
-        set.bytes.invert();
-        all.elsewhere = !all.elsewhere;
-    }
+    if (head.value < 0) all.elsewhere = !all.elsewhere;
     setWide(all, set);
+}
+
+void buildClassSet(const Node& head, Zel32u flags, ClassSet& set) {
+    set.bytes = bytesOfClass(head, flags);
+    lookAtWide(head, flags, set);
 }
 
 void buildCharacterSet(const Node& node, Zel32u flags, ClassSet& set) {

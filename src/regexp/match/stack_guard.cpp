@@ -12,9 +12,7 @@ namespace zel {
 
 namespace {
 
-// A search may use this much before anybody asks. The smallest threads have some 12 KiB, and asking
-// itself takes 4.
-constexpr ptrdiff_t kNearThread = 4 * 1024;
+// A search on the main stack may use this much before anybody asks.
 constexpr ptrdiff_t kNearMain = 32 * 1024;
 // Room for what runs without asking: node functions, kernels, a signal handler.
 constexpr ptrdiff_t kMargin = 16 * 1024;
@@ -38,7 +36,7 @@ const char* endOfMainStack() {
 }
 
 const char* endOfThreadStack(const char* here) {
-    const char* unknown = here + kMargin + kNearThread - kForeignStack;
+    const char* unknown = here + kMargin + StackGuard::kNearThread - kForeignStack;
     pthread_attr_t attributes;
     if (pthread_getattr_np(pthread_self(), &attributes) != 0) return unknown;
     void* address = nullptr;
@@ -52,14 +50,18 @@ const char* endOfThreadStack(const char* here) {
 }  // namespace
 
 void StackGuard::start() {
-    const char* here = static_cast<const char*>(__builtin_frame_address(0));
-    limit_ = here - (onMainStack(here) ? kNearMain : kNearThread);
-    final_ = false;
+    limit_ = static_cast<const char*>(__builtin_frame_address(0)) - kNearThread;
+    reach_ = kNear;
 }
 
 bool StackGuard::extend(const char* here) {
-    if (!final_) {
-        final_ = true;
+    if (reach_ == kNear) {
+        reach_ = kNearOnMain;
+        if (onMainStack(here)) limit_ -= kNearMain - kNearThread;
+        if (here > limit_) return true;
+    }
+    if (reach_ == kNearOnMain) {
+        reach_ = kAll;
         const char* end = onMainStack(here) ? endOfMainStack() : endOfThreadStack(here);
         limit_ = end + kMargin;
     }

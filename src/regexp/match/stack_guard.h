@@ -10,6 +10,10 @@ namespace zel {
 
 class StackGuard {
 public:
+    // A search may use this much before anybody asks. The smallest threads have some 12 KiB, and
+    // asking itself takes 4.
+    static constexpr ptrdiff_t kNearThread = 4 * 1024;
+
     /// To be called at the start of a search.
     void start();
 
@@ -20,10 +24,12 @@ public:
     }
 
 private:
+    enum Reach { kNear, kNearOnMain, kAll };
+
     bool extend(const char* here);
 
     const char* limit_;
-    bool final_;
+    Reach reach_;  // what the limit stands for
 };
 
 }  // namespace zel
