@@ -14,6 +14,7 @@
 #include "regexp/match/character_sequence.h"
 #include "regexp/match/context.h"
 #include "regexp/match/first_letter.h"
+#include "regexp/match/light_walk.h"
 #include "regexp/match/one_way.h"
 #include "regexp/match/plan.h"
 #include "regexp/match/predicates.h"
@@ -290,10 +291,10 @@ private:
     RegExpMatchContext context_;
 };
 
-/// Copies `count` capture records from slot `first` on.
-void copyRecords(const Search& search, int first, int count, ZelRegExpFind* results) {
+/// Copies `count` capture records.
+void copyRecords(const CaptureRecord* captures, int count, ZelRegExpFind* results) {
     for (int i = 0; i < count; ++i) {
-        const CaptureRecord& record = search.captures()[first + i];
+        const CaptureRecord& record = captures[i];
         results[i] = {const_cast<Zel8u*>(record.text), record.length};
     }
 }
@@ -302,7 +303,7 @@ ZelStatus findFirst(Search& search, const Zel8u* text, int numCaptures, ZelRegEx
                     int* pNumFind) {
     const int capacity = *pNumFind < numCaptures ? *pNumFind : numCaptures;
     if (search.findFrom(text)) {
-        copyRecords(search, 0, capacity, pResult);
+        copyRecords(search.captures(), capacity, pResult);
         *pNumFind = capacity;
         return zelStatusOk;
     }
@@ -333,7 +334,7 @@ ZelStatus findAll(Search& search, const Zel8u* text, int numCaptures, bool whole
             found = search.findFrom(position);
         }
         if (!found) break;
-        copyRecords(search, firstSlot, recordsPerMatch, pResult + written);
+        copyRecords(search.captures() + firstSlot, recordsPerMatch, pResult + written);
         written += recordsPerMatch;
         if (search.outOfBudget()) break;
         const CaptureRecord& whole = search.captures()[0];
@@ -368,6 +369,18 @@ ZelStatus searchWith(const WorkAreas& work, const Zel8u* pSrc, int srcLen,
     const int length = narrowedLength(pSrc, srcLen, *pRegExpState);
     const int numCaptures = pRegExpState->groupCount;
     const int capacity = *pNumFind;
+    if (beginsAtStart(*pRegExpState) && (pRegExpState->options & kOptionGlobal) == 0) {
+        const LightOutcome outcome = walkLightly(*pRegExpState, pSrc, length, work);
+        if (outcome == LightOutcome::kMatched) {
+            *pNumFind = capacity < numCaptures ? capacity : numCaptures;
+            copyRecords(work.captures, *pNumFind, pResult);
+            return zelStatusOk;
+        }
+        if (outcome == LightOutcome::kFailed) {
+            *pNumFind = 0;
+            return zelStatusOk;
+        }
+    }
     for (const Pay pay : {Pay::kUpperBound, Pay::kExactly}) {
         Search search(work, pSrc, length, *pRegExpState, pay);
         *pNumFind = capacity;

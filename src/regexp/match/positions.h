@@ -7,16 +7,16 @@
 
 namespace zel {
 
-inline bool atWordBoundary(const Zel8u* text, const RegExpMatchContext& context) {
-    const Zel8u before = text == context.textStart ? Zel8u{' '} : text[-1];
+inline bool atWordBoundary(const Zel8u* text, const Zel8u* textStart) {
+    const Zel8u before = text == textStart ? Zel8u{' '} : text[-1];
     return kWordBytes.has(before) != kWordBytes.has(*text);
 }
 
-/// Whether a position assertion holds at a text position.
-inline bool positionHolds(int assertion, const Zel8u* text, int length,
-                          const RegExpMatchContext& context) {
-    const bool multiLine = (context.flags & kOptionMultiLine) != 0;
-    const bool atStart = text == context.textStart;
+/// Whether a position assertion holds at a text position, `length` bytes in front of the end.
+inline bool positionHolds(int assertion, const Zel8u* text, int length, const Zel8u* textStart,
+                          Zel32u flags) {
+    const bool multiLine = (flags & kOptionMultiLine) != 0;
+    const bool atStart = text == textStart;
     switch (assertion) {
         case '^':
             return atStart || (multiLine && length != 0 && text[-1] == '\n');
@@ -31,14 +31,19 @@ inline bool positionHolds(int assertion, const Zel8u* text, int length,
         case 'z':
             return length == 0;
         case 'b':
-            return atWordBoundary(text, context);
+            return atWordBoundary(text, textStart);
         case 'B':
-            return !atWordBoundary(text, context);
+            return !atWordBoundary(text, textStart);
         case kLineStartMarker:
             return atStart || text[-1] == '\n';
         default:
             return false;
     }
+}
+
+inline bool positionHolds(int assertion, const Zel8u* text, int length,
+                          const RegExpMatchContext& context) {
+    return positionHolds(assertion, text, length, context.textStart, context.flags);
 }
 
 }  // namespace zel

@@ -1,0 +1,154 @@
+// Searches that the light walk decides, against the model, which has none: generated patterns of
+// the kind it knows and of the kinds next to it, on short texts that nearly match, at the exact
+// budget and next to it.
+#include "regexp/match/light_walk.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "pattern_source.h"
+#include "random.h"
+#include "regexp_case.h"
+#include "report.h"
+
+namespace differential {
+namespace {
+
+const char* const kAtoms[] = {"a",      "b",    "\\d",      "\\w",         "\\s",    "\\S",
+                              ".",      "[ab]", "[^a]",     "[a-c1]",      "[\\d.]", "\\W",
+                              "[^\\s]", "=",    "\xC3\xA9", "[\xC3\xA9x]", "[b-]"};
+const char* const kQuantifiers[] = {"",      "",     "",      "",   "+",  "*",  "?",     "{2}",
+                                    "{1,3}", "{2,}", "{0,2}", "+?", "*?", "??", "{1,2}?"};
+const char* const kGroupQuantifiers[] = {"", "", "", "?", "?", "{1,1}", "*", "{0,2}", "??", "{0}"};
+const char* const kLiterals[] = {"ab", "a1", "b=a", "  ", "\xC3\xA9t"};
+const char* const kPositions[] = {"$", "\\b", "\\B", "\\Z", "\\z", "^", "\\A"};
+
+class SimplePattern {
+public:
+    explicit SimplePattern(Random& random) : random_(random) {}
+
+    std::string pattern() {
+        static const char* const kStarts[] = {"^", "^", "^", "\\A", "\\G", "^?"};
+        return pick(kStarts) + sequence(2) + (random_.chance(50) ? "$" : "") +
+               (random_.chance(5) ? "|b" : "");
+    }
+
+    std::string subject() {
+        static const char* const kPieces[] = {"a",  "b",  "c",   "1",        " ",        "=",
+                                              "ab", "a1", "b=a", ".",        "\n",       "aa",
+                                              "11", "  ", "-",   "\xC3\xA9", "\xC3\xA9t"};
+        std::string text;
+        for (int left = random_.below(9); left > 0; --left) text += pick(kPieces);
+        return text;
+    }
+
+private:
+    template <std::size_t size>
+    std::string pick(const char* const (&choices)[size]) {
+        return choices[random_.below(static_cast<int>(size))];
+    }
+
+    std::string sequence(int depth) {
+        std::string text;
+        for (int left = random_.between(1, 4); left > 0; --left) text += term(depth);
+        return text;
+    }
+
+    std::string term(int depth) {
+        const int kind = random_.below(20);
+        if (kind == 0) return pick(kPositions);
+        if (kind < 3) return pick(kLiterals);
+        if (kind < 8 && depth > 0) {
+            return (random_.chance(70) ? "(" : "(?:") + sequence(depth - 1) +
+                   (random_.chance(6) ? "|" + sequence(depth - 1) : "") + ")" +
+                   pick(kGroupQuantifiers);
+        }
+        return pick(kAtoms) + pick(kQuantifiers);
+    }
+
+    Random& random_;
+};
+
+void compareOne(Random& random, const std::string& pattern, const std::string& subject) {
+    static const char* const kOptions[] = {"", "", "", "s", "m", "i", "g", "x"};
+    static const int kBehind[] = {0, 'a', 'b', '=', '\n', 0xA9};
+    const RegexpCase testCase = {.pattern = pattern,
+                                 .options = kOptions[random.below(8)],
+                                 .format = random.below(2),
+                                 .limit = random.chance(80) ? 1500 : random.below(40),
+                                 .subject = subject,
+                                 .behind = kBehind[random.below(6)],
+                                 .records = random.between(1, 8)};
+    ASSERT_EQ(compare(testCase), "") << testCase.text();
+}
+
+TEST(LightWalk, AgreesWithTheModelOnSimplePatterns) {
+    onDeepStack([] {
+        for (uint64_t number = 0; number < 40000 && !testing::Test::HasFatalFailure(); ++number) {
+            Random random(1, number);
+            SimplePattern source(random);
+            const std::string pattern = source.pattern();
+            for (int i = 0; i < 3; ++i) compareOne(random, pattern, source.subject());
+        }
+    });
+}
+
+TEST(LightWalk, AgreesWithTheModelOnAnchoredPatternsOfAllKinds) {
+    onDeepStack([] {
+        for (uint64_t number = 0; number < 20000 && !testing::Test::HasFatalFailure(); ++number) {
+            Random random(2, number);
+            PatternSource source(random);
+            const std::string pattern = "^" + source.pattern();
+            compareOne(random, pattern, source.subject());
+        }
+    });
+}
+
+struct Decided {
+    const char* pattern;
+    const char* subject;
+    zel::LightOutcome outcome;
+};
+
+// Most of what the walk decides, and what it must not decide.
+const Decided kDecided[] = {
+    {"^\\d{4}-\\d{2}-\\d{2}$", "2026-11-21", zel::LightOutcome::kMatched},
+    {"^\\d{4}-\\d{2}-\\d{2}$", "2026-1-21", zel::LightOutcome::kFailed},
+    {"^[+-]?\\d+(?:\\.\\d+)?(?:[eE][+-]?\\d+)?$", "6.022e23", zel::LightOutcome::kMatched},
+    {"^[+-]?\\d+(?:\\.\\d+)?(?:[eE][+-]?\\d+)?$", "6.022e", zel::LightOutcome::kFailed},
+    {"^\\s*(\\w+)\\s*=\\s*(.*?)\\s*$", "path = /usr/bin ", zel::LightOutcome::kMatched},
+    {"^\\s*(\\w+)\\s*=\\s*(.*?)\\s*$", "no equals sign", zel::LightOutcome::kFailed},
+    {"^(https?)://([^/:]+)(:\\d+)?(/[^?#]*)?", "http://a.b:80/", zel::LightOutcome::kMatched},
+    {"^\\w+$", "\xC3\xA9t\xC3\xA9", zel::LightOutcome::kNotKnown},
+    {"^(a|b)$", "a", zel::LightOutcome::kNotKnown},
+    {"^a|b", "b", zel::LightOutcome::kNotKnown},
+    {"^(?:ab)+$", "abab", zel::LightOutcome::kNotKnown},
+    {"^(a)\\1$", "aa", zel::LightOutcome::kNotKnown},
+    {"^a*b", "aaaaaaaaaa", zel::LightOutcome::kFailed},
+};
+
+TEST(LightWalk, DecidesWhatItIsMadeFor) {
+    for (const Decided& decided : kDecided) {
+        ZelRegExpState* state = nullptr;
+        int offset = 0;
+        ASSERT_EQ(zelsRegExpInitAlloc(decided.pattern, "", &state, &offset), zelStatusOk);
+        const zel::WorkAreas work = {state->groups, state->captures};
+        ASSERT_TRUE(zel::beginsAtStart(*state)) << decided.pattern;
+        const std::string subject = decided.subject;
+        EXPECT_EQ(zel::walkLightly(*state, reinterpret_cast<const Zel8u*>(subject.c_str()),
+                                   static_cast<int>(subject.size()), work),
+                  decided.outcome)
+            << decided.pattern;
+        // Not even one step too few is for the walk to decide.
+        zelsRegExpSetMatchLimit(3, state);
+        EXPECT_EQ(zel::walkLightly(*state, reinterpret_cast<const Zel8u*>(subject.c_str()),
+                                   static_cast<int>(subject.size()), work),
+                  zel::LightOutcome::kNotKnown)
+            << decided.pattern;
+        zelsRegExpFree(state);
+    }
+}
+
+}  // namespace
+}  // namespace differential
