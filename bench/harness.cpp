@@ -176,11 +176,12 @@ void Suite::measure(std::size_t calls) {
         std::sort(samples.begin(), samples.end());
         const double median = samples[samples.size() / 2];
         char line[1024];
-        std::snprintf(
-            line, sizeof line, "%s,\"%s\",\"%s\",\"%s\",%.1f,%s,%s,%zu,%.3f,%.3f,%.3f,%g,%g,%s",
-            name_.c_str(), row_.family.c_str(), row_.variant.c_str(), row_.size.c_str(), row_.bytes,
-            entrant.name.c_str(), kindName(entrant.kind), samples.size(), median, samples.front(),
-            samples.back(), row_.mustRatio, row_.mustNs, row_.mustPeer.c_str());
+        std::snprintf(line, sizeof line,
+                      "%s,\"%s\",\"%s\",\"%s\",%.1f,\"%s\",%s,%zu,%.3f,%.3f,%.3f,%g,%g,\"%s\"",
+                      name_.c_str(), row_.family.c_str(), row_.variant.c_str(), row_.size.c_str(),
+                      row_.bytes, entrant.name.c_str(), kindName(entrant.kind), samples.size(),
+                      median, samples.front(), samples.back(), row_.mustRatio, row_.mustNs,
+                      row_.mustPeer.c_str());
         lines_.emplace_back(line);
         std::fprintf(stderr, "  %s %.4g ns", entrant.name.c_str(), median);
         if (row_.bytes > 0) std::fprintf(stderr, " (%.4g GB/s)", row_.bytes / median);
