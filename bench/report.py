@@ -364,4 +364,5 @@ def main():
         file.write(markdown(suite, rows, command, peers, plots))
 
 
-main()
+if __name__ == "__main__":
+    main()
