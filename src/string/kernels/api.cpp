@@ -67,6 +67,10 @@ int findBytesIgnoreCase(const Zel8u* p, int len, const Zel8u* needle, int needle
     return orLength(findStringIgnoreCase(p, len, needle, needleLen), len);
 }
 
+void markBytesIn(const Zel8u* p, int len, const uint64_t* set, uint64_t* marks) {
+    markMembers(p, len, set, marks);
+}
+
 int findPairIn(const Zel8u* p, int len, const uint64_t* first, const uint64_t* second) {
     return orLength(findPair(p, len, first, second), len);
 }

@@ -33,6 +33,10 @@ int findByteNotIn(const Zel8u* p, int len, const uint64_t* set);
 int findByteInRev(const Zel8u* p, int len, const uint64_t* set);
 int findByteNotInRev(const Zel8u* p, int len, const uint64_t* set);
 
+/// Bit i % 64 of marks[i / 64] says whether p[i] is in the set; the bits behind the last byte are
+/// 0.
+void markBytesIn(const Zel8u* p, int len, const uint64_t* set, uint64_t* marks);
+
 /// Where a needle of at least one byte stands first, or last.
 int findBytes(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
 int findBytesRev(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
@@ -76,5 +80,5 @@ int countUtf8Continuations(const Zel8u* p, int len);
     X(findByte) X(findByteNot) X(findByteRev) X(findByte2) X(findByte3) X(findByteIn)             \
     X(findByteNotIn) X(findByteInRev) X(findByteNotInRev) X(findBytes) X(findBytesRev)            \
     X(findBytesIgnoreCase) X(countUtf8Continuations) X(findPairIn) X(findDoubled)                 \
-    X(findPrefixIn) X(sumRuns) X(collectRunsOf) X(copyBytes) X(zeroBytes)
+    X(markBytesIn) X(findPrefixIn) X(sumRuns) X(collectRunsOf) X(copyBytes) X(zeroBytes)
 // clang-format on

@@ -28,6 +28,13 @@ ZEL_INLINE uint64_t memberBits(const ByteClass& members, const Zel8u* p, ptrdiff
     return bits;
 }
 
+ZEL_INLINE void markMembers(const Zel8u* p, int len, const uint64_t* set, uint64_t* marks) {
+    const ByteClass members = ByteClass::fromWords(set);
+    for (ptrdiff_t at = 0; at < len; at += kMaskBits) {
+        *marks++ = memberBits(members, p + at, len - at);
+    }
+}
+
 /// Index of the first set bit of `bitsAt(position, left)`, asked for every 64th position below len.
 template <typename BitsAt>
 ZEL_INLINE int firstBit(int len, const BitsAt& bitsAt) {
