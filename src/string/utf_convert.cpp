@@ -17,7 +17,7 @@ namespace {
 constexpr long kUnboundedSequence = 6;
 
 // Elements that are converted one character at a time before the next try with blocks.
-constexpr int kStretch = 64;
+constexpr int kStretch = Vec<Zel8u>::kBytes;
 
 constexpr bool isHighSurrogate(int unit) {
     return (unit & 0xFC00) == 0xD800;
@@ -41,20 +41,40 @@ int putUtf16(int value, Zel16u* dst, bool swapBytes) {
     return 2;
 }
 
-// Number of bytes of a value's sequence.
+// Number of bytes of a value's sequence. A pair of surrogates has no value beyond four.
 int utf8Size(int value) {
-    int continuation = 0;
-    while (value > UTF8_table1[continuation]) ++continuation;
-    return continuation + 1;
+    if (value <= UTF8_table1[0]) return 1;
+    if (value <= UTF8_table1[1]) return 2;
+    return value <= UTF8_table1[2] ? 3 : 4;
 }
 
 // Writes a value's sequence of `size` bytes.
 void putUtf8(int value, int size, Zel8u* dst) {
-    for (int i = size - 1; i > 0; --i) {
-        dst[i] = static_cast<Zel8u>(0x80 | (value & 0x3F));
-        value >>= 6;
+    const auto sixBits = [value](int from) {
+        return static_cast<Zel8u>(0x80 | (value >> from & 0x3F));
+    };
+    const auto lead = [value, size](int from) {
+        return static_cast<Zel8u>(value >> from | UTF8_table2[size - 1]);
+    };
+    switch (size) {
+        case 1:
+            dst[0] = static_cast<Zel8u>(value);
+            break;
+        case 2:
+            dst[0] = lead(6);
+            dst[1] = sixBits(0);
+            break;
+        case 3:
+            dst[0] = lead(12);
+            dst[1] = sixBits(6);
+            dst[2] = sixBits(0);
+            break;
+        default:
+            dst[0] = lead(18);
+            dst[1] = sixBits(12);
+            dst[2] = sixBits(6);
+            dst[3] = sixBits(0);
     }
-    dst[0] = static_cast<Zel8u>(value | UTF8_table2[size - 1]);
 }
 
 template <bool swapBytes>

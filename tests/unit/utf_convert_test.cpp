@@ -462,6 +462,63 @@ TEST(ConvertUtf, To16_AgreesWithTheRuleEverywhere) {
     }
 }
 
+// Ordinary text is converted in blocks: a defect anywhere in them must not change what the rule
+// gives for the rest.
+TEST(ConvertUtf, To16_OneStrayByteAnywhereFollowsTheRule) {
+    const Arena<Zel8u> srcArena(1 << 12);
+    Random random(37);
+    Units expected;
+    for (int kind = 0; kind < 6; ++kind) {
+        const Bytes ordinary = randomUtf8(random, 200, kind);
+        for (size_t at = 0; at < ordinary.size() - 8; ++at) {
+            for (const int stray :
+                 {0x41, 0x80, 0xC0, 0xC1, 0xD7, 0xE0, 0xED, 0xF0, 0xF3, 0xF4, 0xF8, 0xFE, 0xFF}) {
+                Bytes text = ordinary;
+                text[at] = static_cast<Zel8u>(stray);
+                const Placed<Zel8u> src = srcArena.place(text, static_cast<int>(at % 64), 'x');
+                const Result want = expected8u16u(src, 200, INT_MAX, false, expected);
+                Zel16u dst[200];
+                int srcLen = 200, dstLen = 200;
+                zelsConvertUTF_8u16u(src, &srcLen, dst, &dstLen, 0);
+                ASSERT_EQ((Result{srcLen, dstLen}), want) << kind << ' ' << at << ' ' << stray;
+                ASSERT_TRUE(std::equal(expected.begin(), expected.end(), dst))
+                    << kind << ' ' << at << ' ' << stray;
+            }
+        }
+    }
+}
+
+TEST(ConvertUtf, To16_EveryRoomAndEveryEndFollowsTheRule) {
+    constexpr int kLen = 200;
+    const Arena<Zel8u> srcArena(1 << 12);
+    const Arena<Zel16u> dstArena(1 << 12);
+    Random random(41);
+    Units expected;
+    for (int kind = 0; kind < 12; ++kind) {
+        const Bytes text = randomUtf8(random, kLen, kind);
+        const Placed<Zel8u> src = srcArena.place(text, kind, 'x');
+        const auto check = [&](int len, int room) {
+            for (const bool swap : {false, true}) {
+                const Result want = expected8u16u(src, len, room, swap, expected);
+                const Placed<Zel16u> dst = dstArena.place(want.written, (len + room) % kPlacements);
+                int srcLen = len, dstLen = room;
+                zelsConvertUTF_8u16u(src, &srcLen, dst, &dstLen, swap);
+                ASSERT_EQ((Result{srcLen, dstLen}), want) << kind << ": " << len << " in " << room;
+                ASSERT_TRUE(std::equal(expected.begin(), expected.end(), dst.begin()))
+                    << kind << ": " << len << " in " << room;
+                ASSERT_TRUE(dst.intact()) << kind << ": " << len << " in " << room;
+            }
+        };
+        for (int room = 0; room <= kLen; ++room) check(kLen, room);
+        // An end inside a character is passed over, up to the end of the room; where pairs may pass
+        // over that one too, nothing would stop it.
+        if (kind % 6 > 3) continue;
+        for (int len = 0; len <= kLen; ++len) {
+            for (const int room : {len / 3, len / 2, len}) check(len, room);
+        }
+    }
+}
+
 Units randomUtf16(Random& random, int len, int kind) {
     Units text(static_cast<size_t>(len));
     for (Zel16u& unit : text) {
@@ -529,6 +586,52 @@ TEST(ConvertUtf, To8_AgreesWithTheRuleEverywhere) {
     test::forEachPlacement(check);
     for (const int len : {4096, 65537, 100003}) {
         for (int kind = 0; kind < 12; ++kind) check(len, kind);
+    }
+}
+
+TEST(ConvertUtf, To8_EveryRoomFollowsTheRule) {
+    constexpr int kLen = 150;
+    const Arena<Zel16u> srcArena(1 << 12);
+    const Arena<Zel8u> dstArena(1 << 12);
+    Random random(43);
+    Bytes expected;
+    for (int kind = 0; kind < 12; ++kind) {
+        const Units text = randomUtf16(random, kLen, kind);
+        const Placed<Zel16u> src = srcArena.place(text, test::kBeforeGuard - kind % 2);
+        for (const bool swap : {false, true}) {
+            const int most = expected16u8u(text, INT_MAX, swap, expected).written;
+            for (int room = 0; room <= most + 70; ++room) {
+                const Result want = expected16u8u(text, room, swap, expected);
+                const Placed<Zel8u> dst = dstArena.place(room, (kind + room) % kPlacements);
+                int srcLen = kLen, dstLen = room;
+                zelsConvertUTF_16u8u(src, &srcLen, dst, &dstLen, swap);
+                ASSERT_EQ((Result{srcLen, dstLen}), want) << kind << " in " << room;
+                ASSERT_TRUE(std::equal(expected.begin(), expected.end(), dst.begin()))
+                    << kind << " in " << room;
+                ASSERT_TRUE(dst.intactFrom(dstLen)) << kind << " in " << room;
+            }
+        }
+    }
+}
+
+// A pair's second unit, alone and in a pair, at every place of a block and at its edges.
+TEST(ConvertUtf, To8_SurrogatesAnywhereFollowTheRule) {
+    Bytes expected;
+    for (const Zel16u around : {Zel16u('a'), Zel16u(0x416), Zel16u(0x4E2D)}) {
+        for (size_t at = 0; at + 3 < 100; ++at) {
+            for (const Units& part :
+                 {Units{0xD83D, 0xDE00}, Units{0xDE00}, Units{0xD83D},
+                  Units{0xD83D, 0xD83D, 0xDE00}, Units{0xD83D, 0xDE00, 0xDE00}}) {
+                Units text(100, around);
+                std::copy(part.begin(), part.end(), text.begin() + static_cast<long>(at));
+                const Result want = expected16u8u(text, INT_MAX, false, expected);
+                Zel8u dst[400];
+                int srcLen = 100, dstLen = 400;
+                zelsConvertUTF_16u8u(text.data(), &srcLen, dst, &dstLen, 0);
+                ASSERT_EQ((Result{srcLen, dstLen}), want) << around << " at " << at;
+                ASSERT_TRUE(std::equal(expected.begin(), expected.end(), dst)) << at;
+            }
+        }
     }
 }
 

@@ -1,12 +1,12 @@
-// UTF-16 to UTF-8, a block at a time, as long as there is room for all of a block. Every text is
-// ordinary here, lone surrogates too.
+// UTF-16 to UTF-8, a block at a time, as long as there is room for all of a block.
 //
 // AVX-512 takes 32 units at a time and builds the bytes of each character in a lane of its own: a
 // unit's lane where none needs more than two bytes, else a double word. One compression closes the
-// gaps. The lane of a pair's second unit stays empty; the one at the start of a block is remembered
-// from the block before.
+// gaps. The lane of a pair's second unit stays empty; one at the start of a block is remembered
+// from the block before. No text is special here, lone surrogates neither.
 //
-// The others narrow ASCII, and take runs of units of two bytes or of three, eight at a time.
+// AVX2 does the same with 16 units and shuffles in place of the compression, but leaves a block
+// with surrogates to the rule for one character. SSE2 narrows ASCII.
 #pragma once
 
 #include "string/kernels/utf_cursor.h"
@@ -173,10 +173,167 @@ ZEL_INLINE To8 convertBlocks(To8 at) {
     return Utf16BlockConverter<swapBytes>(at).run();
 }
 
-#else
+#elif defined(ZEL_ISA_AVX2)
+
+/// Which bytes of eight words are used, where the bits say which of the words hold two.
+struct WordShuffles {
+    alignas(16) Zel8u of[256][16] = {};
+    constexpr WordShuffles() {
+        for (int bits = 0; bits < 256; ++bits) {
+            int at = 0;
+            for (int i = 0; i < 8; ++i) {
+                of[bits][at++] = static_cast<Zel8u>(2 * i);
+                if ((bits >> i & 1) != 0) of[bits][at++] = static_cast<Zel8u>(2 * i + 1);
+            }
+        }
+    }
+};
+inline constexpr WordShuffles kWordShuffles;
+
+/// Which bytes of four double words are used: always the last one, where bit 4 + i is set also the
+/// one in front of it, where bit i is set the one in front of that.
+struct DoubleWordShuffles {
+    alignas(16) Zel8u of[256][16] = {};
+    constexpr DoubleWordShuffles() {
+        for (int bits = 0; bits < 256; ++bits) {
+            int at = 0;
+            for (int i = 0; i < 4; ++i) {
+                if ((bits >> i & 1) != 0) of[bits][at++] = static_cast<Zel8u>(4 * i + 1);
+                if ((bits >> (4 + i) & 1) != 0) of[bits][at++] = static_cast<Zel8u>(4 * i + 2);
+                of[bits][at++] = static_cast<Zel8u>(4 * i + 3);
+            }
+        }
+    }
+};
+inline constexpr DoubleWordShuffles kDoubleWordShuffles;
+
+template <bool swapBytes>
+class Utf16BlockConverter {
+public:
+    explicit Utf16BlockConverter(To8 at) : at_(at) {}
+
+    /// Answers where it ended.
+    ZEL_INLINE To8 run() {
+        while (at_.remaining >= kUnits && at_.room >= kUnits) {
+            const __m256i units = inOrder(Vec<Zel16u>::load(at_.src).v);
+            const __m256i above7 = beyond(units, 0xFF80);
+            if (bitsOf(above7) == 0)
+                narrow(units);
+            else if (at_.remaining < kUnits + kBehind || at_.room < 3 * kUnits + kSpill + 3 ||
+                     !convert(units, above7))
+                break;
+        }
+        return at_;
+    }
+
+private:
+    static constexpr int kUnits = 16;
+    // The last store may write this many bytes more than there are. They are written over later,
+    // because at least so many will come of the units that must stand behind the block, or fit
+    // into the room, of which a character that does not fit may leave three bytes.
+    static constexpr int kSpill = 12;
+    static constexpr int kBehind = kSpill;
+
+    ZEL_INLINE static __m256i inOrder(__m256i v) {
+        if constexpr (!swapBytes) return v;
+        return _mm256_or_si256(_mm256_slli_epi16(v, 8), _mm256_srli_epi16(v, 8));
+    }
+    ZEL_INLINE static __m256i splat(int unit) {
+        return _mm256_set1_epi16(static_cast<short>(unit));
+    }
+    ZEL_INLINE static uint32_t bitsOf(__m256i v) {
+        return static_cast<uint32_t>(_mm256_movemask_epi8(v));
+    }
+    /// The units that have one of the bits.
+    ZEL_INLINE static __m256i beyond(__m256i units, int bits) {
+        const __m256i within =
+            _mm256_cmpeq_epi16(_mm256_and_si256(units, splat(bits)), _mm256_setzero_si256());
+        return _mm256_xor_si256(within, splat(-1));
+    }
+
+    /// Narrows a block of ASCII.
+    ZEL_INLINE void narrow(__m256i units) {
+        _mm_storeu_si128(
+            reinterpret_cast<__m128i*>(at_.dst),
+            _mm_packus_epi16(_mm256_castsi256_si128(units), _mm256_extracti128_si256(units, 1)));
+        at_.advance(kUnits, kUnits);
+    }
+
+    /// Converts a block without surrogates.
+    ZEL_INLINE bool convert(__m256i units, __m256i above7) {
+        const __m256i above11 = beyond(units, 0xF800);
+        const __m256i kind = _mm256_and_si256(units, splat(0xF800));
+        if (bitsOf(_mm256_cmpeq_epi16(kind, splat(0xD800))) != 0) return false;
+        const __m256i last = _mm256_and_si256(_mm256_slli_epi16(units, 8), splat(0x3F00));
+        const __m256i down6 = _mm256_srli_epi16(units, 6);
+        if (bitsOf(above11) == 0) {
+            const __m256i two = _mm256_or_si256(_mm256_or_si256(last, down6), splat(0x80C0));
+            const __m256i words = _mm256_blendv_epi8(units, two, above7);
+            const uint32_t sizes = bitsOf(_mm256_packs_epi16(above7, _mm256_setzero_si256()));
+            putWords(_mm256_castsi256_si128(words), sizes & 0xFF);
+            putWords(_mm256_extracti128_si256(words, 1), sizes >> 16);
+        } else {
+            // The last two bytes of a sequence of two or three, and the one in front of them.
+            const __m256i marks = _mm256_blendv_epi8(splat(0x80C0), splat(0x8080), above11);
+            const __m256i middle =
+                _mm256_blendv_epi8(down6, _mm256_and_si256(down6, splat(0x3F)), above11);
+            const __m256i multi = _mm256_or_si256(_mm256_or_si256(last, middle), marks);
+            const __m256i lastTwo = _mm256_blendv_epi8(_mm256_slli_epi16(units, 8), multi, above7);
+            const __m256i top = _mm256_and_si256(_mm256_srli_epi16(units, 4), splat(0x0F00));
+            const __m256i first = _mm256_or_si256(top, splat(0xE000));
+            const __m256i evenGroups = _mm256_unpacklo_epi16(first, lastTwo);
+            const __m256i oddGroups = _mm256_unpackhi_epi16(first, lastTwo);
+            // Of each half eight bits for the units of three bytes, then eight for those of two.
+            const uint32_t sizes = bitsOf(_mm256_packs_epi16(above11, above7));
+            putDoubleWords(_mm256_castsi256_si128(evenGroups), sizes);
+            putDoubleWords(_mm256_castsi256_si128(oddGroups), sizes >> 4);
+            putDoubleWords(_mm256_extracti128_si256(evenGroups, 1), sizes >> 16);
+            putDoubleWords(_mm256_extracti128_si256(oddGroups, 1), sizes >> 20);
+        }
+        at_.src += kUnits;
+        at_.remaining -= kUnits;
+        return true;
+    }
+
+    ZEL_INLINE void putWords(__m128i words, uint32_t twos) {
+        put(words, kWordShuffles.of[twos], 8 + __builtin_popcount(twos));
+    }
+    ZEL_INLINE void putDoubleWords(__m128i words, uint32_t sizes) {
+        const uint32_t bits = (sizes & 0x0F) | (sizes >> 4 & 0xF0);
+        put(words, kDoubleWordShuffles.of[bits], 4 + __builtin_popcount(bits));
+    }
+    ZEL_INLINE void put(__m128i bytes, const Zel8u* shuffle, int count) {
+        const __m128i order = _mm_load_si128(reinterpret_cast<const __m128i*>(shuffle));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(at_.dst), _mm_shuffle_epi8(bytes, order));
+        at_.dst += count;
+        at_.room -= count;
+    }
+
+    To8 at_;
+};
 
 template <bool swapBytes>
 ZEL_INLINE To8 convertBlocks(To8 at) {
+    return Utf16BlockConverter<swapBytes>(at).run();
+}
+
+#else
+
+/// Narrows ASCII.
+template <bool swapBytes>
+ZEL_INLINE To8 convertBlocks(To8 at) {
+    const auto load = [&at](int offset) {
+        const __m128i v = Vec<Zel16u>::load(at.src + offset).v;
+        if constexpr (!swapBytes) return v;
+        return _mm_or_si128(_mm_slli_epi16(v, 8), _mm_srli_epi16(v, 8));
+    };
+    while (at.remaining >= 16 && at.room >= 16) {
+        const __m128i first = load(0), second = load(8);
+        const __m128i above7 = _mm_and_si128(_mm_or_si128(first, second), _mm_set1_epi16(-0x80));
+        if (_mm_movemask_epi8(_mm_cmpeq_epi16(above7, _mm_setzero_si128())) != 0xFFFF) break;
+        Vec<Zel8u>{_mm_packus_epi16(first, second)}.store(at.dst);
+        at.advance(16, 16);
+    }
     return at;
 }
 

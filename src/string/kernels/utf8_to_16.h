@@ -8,8 +8,8 @@
 // character belongs to the block in which it begins; its bytes in the next block are checked there
 // against what this one says, and skipped.
 //
-// The others widen ASCII, and take runs of sequences of two bytes or of three, eight or four at a
-// time.
+// AVX2 does the same with 32 bytes, sequences of up to three, and a shuffle for every eight bytes
+// in place of the compressions. SSE2 widens ASCII.
 #pragma once
 
 #include "string/kernels/utf_cursor.h"
@@ -196,9 +196,144 @@ ZEL_INLINE To16 convertBlocks(To16 at) {
     return Utf8BlockConverter(at).run();
 }
 
-#else
+#elif defined(ZEL_ISA_AVX2)
+
+/// Which bytes of a group of eight characters' low bytes, and the eight top bytes behind them, make
+/// the units whose bits are set.
+struct UnitShuffles {
+    alignas(16) Zel8u of[256][16] = {};
+    constexpr UnitShuffles() {
+        for (int bits = 0; bits < 256; ++bits) {
+            int at = 0;
+            for (int i = 0; i < 8; ++i) {
+                if ((bits >> i & 1) == 0) continue;
+                of[bits][at++] = static_cast<Zel8u>(i);
+                of[bits][at++] = static_cast<Zel8u>(i + 8);
+            }
+        }
+    }
+};
+inline constexpr UnitShuffles kUnitShuffles;
+
+class Utf8BlockConverter {
+public:
+    explicit Utf8BlockConverter(To16 at) : at_(at) {}
+
+    /// Answers where it ended.
+    ZEL_INLINE To16 run() {
+        while (at_.remaining >= kBytes && at_.room >= kBytes) {
+            const __m256i bytes = loadAt(0);
+            if (_mm256_movemask_epi8(bytes) == 0)
+                widen(bytes);
+            else if (at_.remaining < kBytes + kBehind || at_.room < kBytes + kSpill ||
+                     !convert(bytes))
+                break;
+        }
+        at_.advance(__builtin_popcount(owed_), 0);
+        return at_;
+    }
+
+private:
+    static constexpr int kBytes = 32;
+    // The last store may write this many units more than there are. They are written over later,
+    // because at least so many will come of the bytes that must stand behind the block: three bytes
+    // make one unit, or more.
+    static constexpr int kSpill = 8;
+    static constexpr int kBehind = 3 * kSpill;
+
+    ZEL_INLINE __m256i loadAt(int offset) const {
+        return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(at_.src + offset));
+    }
+    ZEL_INLINE static __m256i splat(int byte) { return _mm256_set1_epi8(static_cast<char>(byte)); }
+    ZEL_INLINE static uint32_t bitsOf(__m256i v) {
+        return static_cast<uint32_t>(_mm256_movemask_epi8(v));
+    }
+    ZEL_INLINE static __m256i atLeast(__m256i v, int byte) {
+        return _mm256_cmpeq_epi8(_mm256_max_epu8(v, splat(byte)), v);
+    }
+
+    /// Widens a block of ASCII.
+    ZEL_INLINE void widen(__m256i bytes) {
+        const auto put = [this](int at, __m128i half) {
+            _mm256_storeu_si256(reinterpret_cast<__m256i*>(at_.dst + at),
+                                _mm256_cvtepu8_epi16(half));
+        };
+        put(0, _mm256_castsi256_si128(bytes));
+        put(16, _mm256_extracti128_si256(bytes, 1));
+        at_.advance(kBytes, kBytes);
+    }
+
+    /// Converts the characters that begin in a block, if they have up to three bytes and are in
+    /// their shortest form.
+    ZEL_INLINE bool convert(__m256i v0) {
+        const __m256i v1 = loadAt(1), v2 = loadAt(2);
+        const __m256i three = atLeast(v0, 0xE0);
+        const uint64_t continuation = continuations(Vec<Zel8u>{v0}).bits;
+        const uint64_t next = continuations(Vec<Zel8u>{v2}).bits >> (kBytes - 2);
+        const uint64_t lead = bitsOf(v0) & ~continuation;
+        const uint64_t expected = lead << 1 | uint64_t{bitsOf(three)} << 2 | owed_;
+        const uint64_t owed = expected >> kBytes;
+        const __m256i long4 = atLeast(v0, 0xF0);
+        const __m256i overlong2 = _mm256_cmpeq_epi8(_mm256_and_si256(v0, splat(0xFE)), splat(0xC0));
+        const __m256i overlong3 = _mm256_and_si256(_mm256_cmpeq_epi8(v0, splat(0xE0)),
+                                                   _mm256_cmpgt_epi8(splat(0xA0), v1));
+        const uint32_t bad = bitsOf(_mm256_or_si256(long4, _mm256_or_si256(overlong2, overlong3)));
+        const bool isWellFormed = static_cast<uint32_t>(expected ^ continuation) == 0;
+        if (!isWellFormed || bad != 0 || (owed & ~next) != 0) return false;
+
+        // The last two bytes of a sequence.
+        const __m256i secondLast = _mm256_blendv_epi8(v0, v1, three);
+        const __m256i last = _mm256_blendv_epi8(v1, v2, three);
+        const __m256i up6 = _mm256_and_si256(_mm256_slli_epi16(secondLast, 6), splat(0xC0));
+        const __m256i down2 = _mm256_and_si256(_mm256_srli_epi16(secondLast, 2), splat(0x0F));
+        const __m256i up4 = _mm256_and_si256(_mm256_slli_epi16(v0, 4), splat(0xF0));
+        const __m256i multiLow = _mm256_or_si256(up6, _mm256_and_si256(last, splat(0x3F)));
+        const __m256i multiTop = _mm256_or_si256(down2, _mm256_and_si256(up4, three));
+        const __m256i low = _mm256_blendv_epi8(v0, multiLow, v0);
+        const __m256i top = _mm256_blendv_epi8(_mm256_setzero_si256(), multiTop, v0);
+
+        const __m256i evenGroups = _mm256_unpacklo_epi64(low, top);
+        const __m256i oddGroups = _mm256_unpackhi_epi64(low, top);
+        const uint32_t begins = ~static_cast<uint32_t>(continuation);
+        put(_mm256_castsi256_si128(evenGroups), begins & 0xFF);
+        put(_mm256_castsi256_si128(oddGroups), begins >> 8 & 0xFF);
+        put(_mm256_extracti128_si256(evenGroups, 1), begins >> 16 & 0xFF);
+        put(_mm256_extracti128_si256(oddGroups, 1), begins >> 24);
+        at_.src += kBytes;
+        at_.remaining -= kBytes;
+        owed_ = static_cast<uint32_t>(owed);
+        return true;
+    }
+
+    ZEL_INLINE void put(__m128i group, uint32_t begins) {
+        const auto* const shuffle = reinterpret_cast<const __m128i*>(kUnitShuffles.of[begins]);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(at_.dst),
+                         _mm_shuffle_epi8(group, _mm_load_si128(shuffle)));
+        const int count = __builtin_popcount(begins);
+        at_.dst += count;
+        at_.room -= count;
+    }
+
+    To16 at_;
+    uint32_t owed_ = 0;  // the first bytes of the next block that belong to a character of this one
+};
 
 ZEL_INLINE To16 convertBlocks(To16 at) {
+    return Utf8BlockConverter(at).run();
+}
+
+#else
+
+/// Widens ASCII.
+ZEL_INLINE To16 convertBlocks(To16 at) {
+    while (at.remaining >= 16 && at.room >= 16) {
+        const __m128i bytes = Vec<Zel8u>::load(at.src).v;
+        if (_mm_movemask_epi8(bytes) != 0) break;
+        const __m128i zero = _mm_setzero_si128();
+        Vec<Zel16u>{_mm_unpacklo_epi8(bytes, zero)}.store(at.dst);
+        Vec<Zel16u>{_mm_unpackhi_epi8(bytes, zero)}.store(at.dst + 8);
+        at.advance(16, 16);
+    }
     return at;
 }
 
