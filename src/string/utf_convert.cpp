@@ -41,45 +41,35 @@ int putUtf16(int value, Zel16u* dst, bool swapBytes) {
     return 2;
 }
 
-// Number of bytes of a value's sequence. A pair of surrogates has no value beyond four.
-int utf8Size(int value) {
-    if (value <= UTF8_table1[0]) return 1;
-    if (value <= UTF8_table1[1]) return 2;
-    return value <= UTF8_table1[2] ? 3 : 4;
-}
-
-// Writes a value's sequence of `size` bytes.
-void putUtf8(int value, int size, Zel8u* dst) {
-    const auto sixBits = [value](int from) {
-        return static_cast<Zel8u>(0x80 | (value >> from & 0x3F));
-    };
-    const auto lead = [value, size](int from) {
-        return static_cast<Zel8u>(value >> from | UTF8_table2[size - 1]);
-    };
-    switch (size) {
-        case 1:
-            dst[0] = static_cast<Zel8u>(value);
-            break;
-        case 2:
-            dst[0] = lead(6);
-            dst[1] = sixBits(0);
-            break;
-        case 3:
-            dst[0] = lead(12);
-            dst[1] = sixBits(6);
-            dst[2] = sixBits(0);
-            break;
-        default:
-            dst[0] = lead(18);
-            dst[1] = sixBits(12);
-            dst[2] = sixBits(6);
-            dst[3] = sixBits(0);
-    }
-}
-
 template <bool swapBytes>
 int readUnit(const Zel16u* p) {
     return swapBytes ? __builtin_bswap16(*p) : *p;
+}
+
+// Writes a value as a sequence of so many bytes, or nothing where it does not fit.
+template <int size>
+ZEL_INLINE bool putUtf8(To8& at, int value, int units) {
+    if (at.room < size) return false;
+    at.dst[0] = static_cast<Zel8u>(value >> (6 * (size - 1)) | UTF8_table2[size - 1]);
+    for (int i = 1; i < size; ++i) {
+        at.dst[i] = static_cast<Zel8u>(0x80 | (value >> (6 * (size - 1 - i)) & 0x3F));
+    }
+    at.advance(units, size);
+    return true;
+}
+
+// Converts one character, if it fits.
+template <bool swapBytes>
+ZEL_INLINE bool convertCharacter(To8& at) {
+    const int unit = readUnit<swapBytes>(at.src);
+    if (unit <= UTF8_table1[0]) return putUtf8<1>(at, unit, 1);
+    if (unit <= UTF8_table1[1]) return putUtf8<2>(at, unit, 1);
+    if (isHighSurrogate(unit) && at.remaining != 1) {
+        const int next = readUnit<swapBytes>(at.src + 1);
+        const int value = (((unit & 0x3FF) << 10) | (next & 0x3FF)) + 0x10000;
+        if (isLowSurrogate(next)) return putUtf8<4>(at, value, 2);
+    }
+    return putUtf8<3>(at, unit, 1);
 }
 
 template <bool swapBytes>
@@ -89,22 +79,7 @@ Converted convert16To8(const Zel16u* src, int srcLen, Zel8u* dst, int dstLen) {
     while (fits && !at.isAtEnd()) {
         at = convertBlocks<swapBytes>(at);
         const Zel16u* const resume = at.src + kStretch;
-        while (fits && !at.isAtEnd() && at.src < resume) {
-            int value = readUnit<swapBytes>(at.src);
-            int units = 1;
-            if (isHighSurrogate(value) && at.remaining != 1) {
-                const int next = readUnit<swapBytes>(at.src + 1);
-                if (isLowSurrogate(next)) {
-                    value = (((value & 0x3FF) << 10) | (next & 0x3FF)) + 0x10000;
-                    units = 2;
-                }
-            }
-            const int size = utf8Size(value);
-            fits = size <= at.room;
-            if (!fits) break;
-            putUtf8(value, size, at.dst);
-            at.advance(units, size);
-        }
+        while (fits && !at.isAtEnd() && at.src < resume) fits = convertCharacter<swapBytes>(at);
     }
     return {static_cast<int>(srcLen - at.remaining), static_cast<int>(dstLen - at.room)};
 }
