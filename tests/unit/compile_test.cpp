@@ -625,6 +625,7 @@ TEST(CompileLookBehind, OtherKindsAddNothingAndAreWalkedThrough) {
     // A quantifier behind such a kind repeats the last atom that was measured.
     EXPECT_EQ(lookBehindLength("a\\C{3}"), 3);
     EXPECT_EQ(lookBehindLength("ab\\C{3}"), 2);
+    EXPECT_EQ(lookBehindLength("a|\\C{3}b"), 1);  // in its own branch
     EXPECT_EQ(lookBehindLength("(?(1)a|b)"), 1);
     const Compiled compiled = compile("(a)(?<=\\1b)");
     EXPECT_EQ(compiled.nodes.at(3), node(NodeGroupingLookBehind, 2, 2, 1));
