@@ -18,6 +18,6 @@ TEST(Plan, BillOfALongRunExceedsEveryBudgetInsteadOfOverflowing) {
     plan.price = 1000;
     plan.runPrice = 1000;
     plan.first.add(0);
-    EXPECT_GT(plan.bill(text, text + kLength), INT_MAX);
+    EXPECT_GT(plan.bill(text, text + kLength, text + kLength, INT_MAX), INT_MAX);
     munmap(memory, kLength);
 }

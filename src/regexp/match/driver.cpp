@@ -226,7 +226,8 @@ private:
         }
         if (position == start) return position;
         if (!plan_.exact || context_.format == kFormatUtf8) guessed_ = true;
-        return context_.charge(plan_.bill(start, position)) ? position : nullptr;
+        return context_.charge(plan_.bill(start, position, end, context_.steps)) ? position
+                                                                                 : nullptr;
     }
 
     /// A failed attempt leaves the captures as it found them, so once a search suffices.

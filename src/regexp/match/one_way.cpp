@@ -196,9 +196,15 @@ OneWay::Outcome OneWay::tryAt(const Zel8u* position, RegExpMatchContext& context
         for (int i = 1; i < context.numCaptures; ++i) context.captures[i] = {nullptr, -1};
     };
     const int before = context.steps;
-    for (const Part* part = parts; part != parts + count; ++part) {
+    const Zel8u* const end = context.textEnd;
+    for (int first = 0; first != count; first = parts[first].next) {
+        const Part& part = parts[first];
+        if (part.kind == Part::kText && (position == end || *position != *part.text)) {
+            if (!context.charge(part.steps)) return kFailed;
+            continue;
+        }
         Attempt attempt(position, context);
-        const Outcome outcome = attempt.run(part);
+        const Outcome outcome = attempt.run(&part);
         const Zel8u* reached =
             attempt.position > attempt.reached ? attempt.position : attempt.reached;
         if (outcome == kNotKnown || (outcome == kMatched && attempt.position == position)) {
@@ -213,7 +219,6 @@ OneWay::Outcome OneWay::tryAt(const Zel8u* position, RegExpMatchContext& context
         }
         unset();
         if (!isPaid) return kFailed;
-        while (part->kind != Part::kEnd) ++part;
     }
     return kFailed;
 }

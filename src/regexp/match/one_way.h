@@ -42,6 +42,10 @@ struct OneWay {
         int min;
         int max;
         int number;
+        // Of an alternative's first part: where the next alternative begins, and how many nodes
+        // have been executed with this one.
+        int next;
+        int steps;
         int length;  // of `text`
         const Zel8u* text;
         ByteSet set;

@@ -189,6 +189,8 @@ bool Planner::describe(Zel32u flags, OneWay& oneWay) {
     oneWay.price = 0;
     oneWay.count = 0;
     int parts = 0;
+    int start = 0;  // first node of the alternative
+    int first = 0;  // and its first part
     bool hasBars = false;
     bool isLazy = false;
     for (int index = 0; index <= count_;) {
@@ -199,7 +201,10 @@ bool Planner::describe(Zel32u flags, OneWay& oneWay) {
             if (atBar && nodes_[index].value != 0) return false;
             part.kind = OneWay::Part::kEnd;
             ++parts;
+            oneWay.parts[first].next = parts;
+            first = parts;
             if (atBar) flags = static_cast<Zel32u>(nodes_[index].count);
+            start = index + 1;
             hasBars = hasBars || atBar;
             ++index;
             continue;
@@ -210,6 +215,7 @@ bool Planner::describe(Zel32u flags, OneWay& oneWay) {
         index += nodes;
         if (!isPart) continue;
         part.flags = flags;
+        part.steps = index - start;
         isLazy = isLazy || part.kind == OneWay::Part::kUntilText;
         ++parts;
     }

@@ -158,16 +158,28 @@ bool Planner::planRun(const Lead& lead, Plan& plan) {
     return true;
 }
 
-/// Adds what the alternative at node `index` can begin with to the bucket of its own.
+/// The bit for an alternative in the tables. When there are more of them than bits, those with the
+/// same first letter share one: then they have little else that could be mixed up.
+Zel8u Planner::prefixBucket(const Lead& lead, Plan& plan) const {
+    constexpr int kBuckets = 8;
+    ++plan.alternatives;
+    const bool isText = lead.index < count_ && nodes_[lead.index].kind == NodeString;
+    const Zel8u letter = isText ? *static_cast<const Zel8u*>(nodes_[lead.index].data) : Zel8u{0};
+    const Zel8u sharing = isText ? plan.prefix.tables[0][letter] : Zel8u{0};
+    if (sharing != 0) return static_cast<Zel8u>(sharing & -sharing);
+    return static_cast<Zel8u>(1u << (plan.prefixBuckets++ % kBuckets));
+}
+
+/// Adds what the alternative at node `index` can begin with to a bucket.
 bool Planner::addPrefix(int index, Zel32u flags, Plan& plan) const {
     const Lead lead = leadFrom(index, flags);
     kernels::PrefixTables& prefix = plan.prefix;
-    const Zel8u bucket = static_cast<Zel8u>(1u << (plan.alternatives++ % 8));
+    const Zel8u bucket = prefixBucket(lead, plan);
     const bool ignoreCase = (lead.flags & kOptionIgnoreCase) != 0;
     int depth = 0;
     const auto addPosition = [&](const ByteSet& bytes) {
         for (int c = 0; c < 256; ++c) {
-            if (bytes.has(static_cast<Zel8u>(c))) prefix.tables[depth][c] |= bucket;
+            if (bytes.has(static_cast<Zel8u>(c))) prefix.add(depth, static_cast<Zel8u>(c), bucket);
         }
         ++depth;
     };
@@ -207,8 +219,9 @@ bool Planner::addPrefixes(int from, int to, int serial, Zel32u flags, Plan& plan
 
 /// Two or three positions of every alternative, at top level or in a group that comes first.
 bool Planner::planPrefix(Zel32u flags, bool hasBars, Plan& plan) const {
-    plan.prefix = {.depth = kernels::PrefixTables::kMaxDepth, .tables = {}};
-    plan.alternatives = 0;
+    plan.prefix = {};
+    plan.prefix.depth = kernels::PrefixTables::kMaxDepth;
+    plan.alternatives = plan.prefixBuckets = 0;
     bool known = false;
     const Lead lead = leadFrom(0, flags);
     const bool group = !hasBars && lead.index < count_ &&

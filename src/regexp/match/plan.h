@@ -49,6 +49,7 @@ struct Plan {
     int literalLength;
     bool ignoreCase;
     int alternatives;  // in `prefix`
+    int prefixBuckets;
     int byteCount;
     Zel8u bytes[3];
     union {
@@ -65,19 +66,27 @@ struct Plan {
     /// `start` is where the subject begins.
     const Zel8u* next(const Zel8u* from, const Zel8u* start, const Zel8u* end);
 
-    /// What the rejected positions of [from, to) cost at most.
-    int64_t bill(const Zel8u* from, const Zel8u* to) const;
+    /// What the rejected positions of [from, to) cost at most. How exactly that is found out
+    /// depends on how many steps there are for the text up to `end`.
+    int64_t bill(const Zel8u* from, const Zel8u* to, const Zel8u* end, int steps) const;
 
 private:
+    template <typename Gather>
+    const Zel8u* nextPlace(const Zel8u* from, const Zel8u* end, const Gather& gather);
+    const Zel8u* nextLiteral(const Zel8u* from, const Zel8u* end);
     bool acceptsAt(const Zel8u* position, const Zel8u* end) const;
-    const Zel8u* nextStartOfLine(const Zel8u* from, const Zel8u* end) const;
+    const Zel8u* nextStartOfLine(const Zel8u* from, const Zel8u* end);
     const Zel8u* nextLine(const Zel8u* from, const Zel8u* start, const Zel8u* end) const;
-    const Zel8u* nextRun(const Zel8u* from, const Zel8u* start, const Zel8u* end) const;
+    const Zel8u* nextRun(const Zel8u* from, const Zel8u* start, const Zel8u* end);
     const Zel8u* runsStart(const Zel8u* from, const Zel8u* end) const;
     const Zel8u* nextRunLiteral(const Zel8u* from, const Zel8u* end);
     const Zel8u* nextRequired(const Zel8u* from, const Zel8u* end);
     int64_t billForRuns(const Zel8u* from, const Zel8u* to) const;
 
+    kernels::Gathered gathered_;
+    const Zel8u* places_;    // where the masks gathered begin, null when there are none yet
+    const Zel8u* scanned_;   // and as far as they go
+    int blocksSeen_;         // how many of them lie behind
     const Zel8u* wide_;      // the first byte of a longer character, once looked for
     const Zel8u* required_;  // the byte of `behind` at the end of the run last found
 };

@@ -25,46 +25,77 @@ void Plan::clear() {
     lines = exact = ignoreCase = avoidsWide = hasSecond = wordStart = echoes = false;
     price = runPrice = literalLength = alternatives = byteCount = 0;
     min = max = 1;
+    scanned_ = places_ = nullptr;
+    blocksSeen_ = gathered_.blocks = 0;
     literal = wide_ = required_ = nullptr;
     first = behind = second = {};
 }
 
+/// The first of the places that `gather` finds which is not in front of `from`, `end` when there is
+/// none. Each question is about the same or a later part of the text than the one before.
+template <typename Gather>
+const Zel8u* Plan::nextPlace(const Zel8u* from, const Zel8u* end, const Gather& gather) {
+    constexpr int kBits = 64;
+    for (;;) {
+        if (places_ != nullptr && from > places_) blocksSeen_ = distance(places_, from) / kBits;
+        for (; blocksSeen_ < gathered_.blocks; ++blocksSeen_) {
+            const Zel8u* block = places_ + kBits * blocksSeen_;
+            uint64_t bits = gathered_.bits[blocksSeen_];
+            if (from > block) bits = bits >> (from - block) << (from - block);
+            if (bits != 0) return block + __builtin_ctzll(bits);
+        }
+        const Zel8u* at = from > scanned_ ? from : scanned_;
+        if (at >= end) return end;
+        gather(at, distance(at, end), &gathered_);
+        scanned_ = at + gathered_.scanned;
+        places_ = at + gathered_.begin;
+        blocksSeen_ = 0;
+    }
+}
+
+const Zel8u* Plan::nextLiteral(const Zel8u* from, const Zel8u* end) {
+    return nextPlace(from, end, [this](const Zel8u* p, int length, kernels::Gathered* places) {
+        const auto gather = ignoreCase ? kernels::gatherBytesFolded : kernels::gatherBytes;
+        gather(p, length, literal, literalLength, places);
+    });
+}
+
 const Zel8u* Plan::next(const Zel8u* from, const Zel8u* start, const Zel8u* end) {
+    using kernels::Gathered;
     if (lines) return nextStartOfLine(from, end);
-    const int length = distance(from, end);
     switch (kind) {
         case kNone:
             return from;
         case kLiteral:
-            return from + (ignoreCase
-                               ? kernels::findBytesIgnoreCase(from, length, literal, literalLength)
-                               : kernels::findBytes(from, length, literal, literalLength));
+            return nextLiteral(from, end);
         case kBehind: {
             const Zel8u* earliest = from - start < literalLength ? start : from - literalLength;
-            const int at =
-                kernels::findBytes(earliest, distance(earliest, end), literal, literalLength);
-            return at == distance(earliest, end) ? end : earliest + at + literalLength;
+            const Zel8u* place = nextLiteral(earliest, end);
+            return place == end ? end : place + literalLength;
         }
         case kLine:
             return nextLine(from, start, end);
-        case kBytes:
-            if (byteCount == 1) return from + kernels::findByte(from, length, bytes[0]);
-            if (byteCount == 2) return from + kernels::findByte2(from, length, bytes[0], bytes[1]);
-            return from + kernels::findByte3(from, length, bytes[0], bytes[1], bytes[2]);
         case kPrefix:
-            return from + kernels::findPrefixIn(from, length, &prefix);
+            return nextPlace(from, end, [this](const Zel8u* p, int length, Gathered* places) {
+                kernels::gatherPrefixes(p, length, &prefix, places);
+            });
         case kDoubled:
-            return from + kernels::findDoubled(from, length, first.words);
+            return nextPlace(from, end, [this](const Zel8u* p, int length, Gathered* places) {
+                kernels::gatherDoubled(p, length, first.words, places);
+            });
         case kRun:
             return nextRun(from, start, end);
         case kRunLiteral:
             return nextRunLiteral(from, end);
         case kRequired:
             return nextRequired(from, end);
+        case kBytes:
         case kSet:
             break;
     }
-    return from + kernels::findByteIn(from, length, first.words);
+    return nextPlace(from, end, [this](const Zel8u* p, int length, Gathered* places) {
+        kernels::gatherBytesIn(p, length, first.words, places);
+    });
 }
 
 /// Whether the plan has nothing against a position.
@@ -78,11 +109,10 @@ bool Plan::acceptsAt(const Zel8u* position, const Zel8u* end) const {
 }
 
 /// `from` is the start of a line.
-const Zel8u* Plan::nextStartOfLine(const Zel8u* from, const Zel8u* end) const {
+const Zel8u* Plan::nextStartOfLine(const Zel8u* from, const Zel8u* end) {
     if (kind == kLiteral) {
         for (const Zel8u* position = from; position < end;) {
-            position +=
-                kernels::findBytes(position, distance(position, end), literal, literalLength);
+            position = nextLiteral(position, end);
             if (position == from || position == end || position[-1] == '\n') return position;
             ++position;
         }
@@ -116,10 +146,12 @@ const Zel8u* Plan::nextLine(const Zel8u* from, const Zel8u* start, const Zel8u* 
     return end;
 }
 
-const Zel8u* Plan::nextRun(const Zel8u* from, const Zel8u* start, const Zel8u* end) const {
+const Zel8u* Plan::nextRun(const Zel8u* from, const Zel8u* start, const Zel8u* end) {
+    const auto gather = [this](const Zel8u* p, int length, kernels::Gathered* places) {
+        kernels::gatherPairsIn(p, length, first.words, behind.words, places);
+    };
     for (const Zel8u* position = from; position < end;) {
-        const Zel8u* last = position + kernels::findPairIn(position, distance(position, end),
-                                                           first.words, behind.words);
+        const Zel8u* last = nextPlace(position, end, gather);
         if (last == end) break;
         const Zel8u* earliest = last + 1 - from > max ? last + 1 - max : from;
         const Zel8u* begin = runStart(earliest, last + 1, first);
@@ -144,8 +176,7 @@ const Zel8u* Plan::nextRunLiteral(const Zel8u* from, const Zel8u* end) {
             wide_ = position + kernels::findByteIn(position, distance(position, end), kWide.words);
         }
         const Zel8u* earliest = position + min;
-        position = earliest +
-                   kernels::findBytes(earliest, distance(earliest, end), literal, literalLength);
+        position = nextLiteral(earliest, end);
         if (avoidsWide && wide_ < position) {
             position = wide_ + 1;
             const Zel8u* begin = runsStart(from, wide_);
@@ -188,25 +219,29 @@ int64_t Plan::billForRuns(const Zel8u* from, const Zel8u* to) const {
     return sum + bills[run];
 }
 
-int64_t Plan::bill(const Zel8u* from, const Zel8u* to) const {
+int64_t Plan::bill(const Zel8u* from, const Zel8u* to, const Zel8u* end, int steps) const {
+    const int64_t length = to - from;
+    if (kind == kRequired) return billForRuns(from, to);
+    if (lines) return length * (price + runPrice);
+    int64_t sum = length * price;
+    if (kind == kLine) sum += 4;
+    if (runPrice == 0) return sum;
+    // Each start has the second run behind its own to give back, too: of runs of m and n bytes
+    // that makes m * n, which is no more than the sum of both runs'.
+    const int64_t firstPrice = runPrice + hasSecond;
+    // One run from end to end would be the worst. If the budget would allow that all over the text,
+    // nobody has to look.
+    constexpr int64_t kFar = 1 << 12;
+    const int64_t worst = (length + 2) / 2 * (firstPrice + hasSecond);
+    if (length < kFar && (price + worst) * (end - from) <= steps) return sum + length * worst;
     // Of long runs only that they exceed every budget counts.
     constexpr int64_t kBeyondBudgets = int64_t{1} << 32;
     const auto runs = [&](const ByteSet& set) {
-        const int64_t sum = kernels::sumRuns(from, distance(from, to), set.words);
-        return sum < kBeyondBudgets ? sum : kBeyondBudgets;
+        const int64_t bound = kernels::boundRuns(from, distance(from, to), set.words);
+        return bound < kBeyondBudgets ? bound : kBeyondBudgets;
     };
-    const int length = distance(from, to);
-    if (kind == kRequired) return billForRuns(from, to);
-    if (lines) return static_cast<int64_t>(length) * (price + runPrice);
-    int64_t sum = static_cast<int64_t>(length) * price;
-    if (kind == kLine) sum += 4;
-    if (runPrice != 0) sum += runs(first) * runPrice;
-    if (hasSecond) {
-        // Each start has the second run behind its own to give back, too: of runs of m and n bytes
-        // that makes m * n, which is no more than the sum of both runs'.
-        sum += runs(first) + runs(second);
-    }
-    return sum;
+    sum += runs(first) * firstPrice;
+    return hasSecond ? sum + runs(second) : sum;
 }
 
 }  // namespace zel

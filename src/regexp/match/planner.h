@@ -109,6 +109,7 @@ private:
     bool planPrefix(Zel32u flags, bool hasBars, Plan& plan) const;
     bool addPrefixes(int from, int to, int serial, Zel32u flags, Plan& plan) const;
     bool addPrefix(int index, Zel32u flags, Plan& plan) const;
+    Zel8u prefixBucket(const Lead& lead, Plan& plan) const;
     void planBytes(Plan& plan) const;
 
     // plan_required.cpp

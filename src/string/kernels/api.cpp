@@ -1,10 +1,10 @@
 // The kernels that other parts of the library call.
 #include "string/kernels/api.h"
 
-#include "string/kernels/byte_runs.h"
 #include "string/kernels/find_any.h"
 #include "string/kernels/find_ignore_case.h"
 #include "string/kernels/find_string.h"
+#include "string/kernels/gather.h"
 #include "string/kernels/instances.h"
 
 namespace zel::ZEL_ISA {
@@ -71,20 +71,40 @@ void markBytesIn(const Zel8u* p, int len, const uint64_t* set, uint64_t* marks) 
     markMembers(p, len, set, marks);
 }
 
-int findPairIn(const Zel8u* p, int len, const uint64_t* first, const uint64_t* second) {
-    return orLength(findPair(p, len, first, second), len);
+void gatherBytes(const Zel8u* p, int len, const Zel8u* needle, int needleLen,
+                 kernels::Gathered* result) {
+    const int first = findString(p, len, needle, needleLen);
+    const auto probeAt = [needle](ptrdiff_t i) { return EqualsAnyOf<Zel8u, 1>::of(needle + i); };
+    gatherLiteral(p, first, len, needleLen, probeAt, result);
 }
 
-int findDoubled(const Zel8u* p, int len, const uint64_t* set) {
-    return orLength(findDoubledIn(p, len, set), len);
+void gatherBytesFolded(const Zel8u* p, int len, const Zel8u* needle, int needleLen,
+                       kernels::Gathered* result) {
+    const int first = findStringIgnoreCase(p, len, needle, needleLen);
+    const auto probeAt = [needle](ptrdiff_t i) { return FoldedByte(needle[i]); };
+    gatherLiteral(p, first, len, needleLen, probeAt, result);
 }
 
-int findPrefixIn(const Zel8u* p, int len, const kernels::PrefixTables* prefix) {
-    return orLength(findPrefix(p, len, *prefix), len);
+void gatherBytesIn(const Zel8u* p, int len, const uint64_t* set, kernels::Gathered* result) {
+    gatherMembers(p, len, set, result);
 }
 
-int64_t sumRuns(const Zel8u* p, int len, const uint64_t* set) {
-    return sumOfRuns(p, len, set);
+void gatherPairsIn(const Zel8u* p, int len, const uint64_t* first, const uint64_t* second,
+                   kernels::Gathered* result) {
+    gatherPair(p, len, first, second, result);
+}
+
+void gatherDoubled(const Zel8u* p, int len, const uint64_t* set, kernels::Gathered* result) {
+    gatherDoubledIn(p, len, set, result);
+}
+
+void gatherPrefixes(const Zel8u* p, int len, const kernels::PrefixTables* prefix,
+                    kernels::Gathered* result) {
+    gatherPrefix(p, len, *prefix, result);
+}
+
+int64_t boundRuns(const Zel8u* p, int len, const uint64_t* set) {
+    return boundOfRuns(p, len, set);
 }
 
 int collectRunsOf(const Zel8u* p, int len, const uint64_t* set, ZelRegExpFind* runs, int capacity,

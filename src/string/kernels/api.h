@@ -43,23 +43,51 @@ int findBytesRev(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
 /// Where it stands first when the letters A-Z and a-z are alike, in text and needle.
 int findBytesIgnoreCase(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
 
-/// The first i for which p[i] is in one set and p[i + 1] in another.
-int findPairIn(const Zel8u* p, int len, const uint64_t* first, const uint64_t* second);
-/// The first i for which p[i] equals p[i + 1] and is in a set.
-int findDoubled(const Zel8u* p, int len, const uint64_t* set);
+/// Places in a text: all those below `scanned`. Bit i of the mask of block b stands for the index
+/// begin + 64 * b + i. There may be no blocks only when all of the text was scanned.
+struct Gathered {
+    static constexpr int kBlocks = 8;
+    int scanned;
+    int begin;
+    int blocks;
+    uint64_t bits[kBlocks];
+};
+
+/// Places of a needle of at least one byte, and perhaps others that have some of its bytes.
+/// `Folded` takes the letters A-Z and a-z for alike, in text and needle.
+void gatherBytes(const Zel8u* p, int len, const Zel8u* needle, int needleLen, Gathered* result);
+void gatherBytesFolded(const Zel8u* p, int len, const Zel8u* needle, int needleLen,
+                       Gathered* result);
+/// Places of bytes of a set.
+void gatherBytesIn(const Zel8u* p, int len, const uint64_t* set, Gathered* result);
+/// Where p[i] is in one set and p[i + 1] in another.
+void gatherPairsIn(const Zel8u* p, int len, const uint64_t* first, const uint64_t* second,
+                   Gathered* result);
+/// Where p[i] equals p[i + 1] and is in a set.
+void gatherDoubled(const Zel8u* p, int len, const uint64_t* set, Gathered* result);
 
 /// What several literals can begin with: bit b of tables[i][c] says that literal b, or one of those
-/// that share the bit, may have byte c at position i.
+/// that share the bit, may have byte c at position i. `low` and `high` say the same of the halves
+/// of the bytes.
 struct PrefixTables {
-    static constexpr int kMaxDepth = 3;
-    int depth;  // positions in use: 2 or 3
+    static constexpr int kMaxDepth = 4;
+    int depth;  // positions in use: 2 to 4
     Zel8u tables[kMaxDepth][256];
-};
-/// The first i with depth bytes behind it, p[i] included, that one of the literals can begin with.
-int findPrefixIn(const Zel8u* p, int len, const PrefixTables* prefix);
+    Zel8u low[kMaxDepth][16];
+    Zel8u high[kMaxDepth][16];
 
-/// The sum of n * (n + 1) / 2 over the lengths n of the runs of a set's bytes.
-int64_t sumRuns(const Zel8u* p, int len, const uint64_t* set);
+    void add(int position, Zel8u byte, Zel8u bits) {
+        tables[position][byte] |= bits;
+        low[position][byte & 0x0F] |= bits;
+        high[position][byte >> 4] |= bits;
+    }
+};
+/// Where depth bytes stand that one of the literals can begin with.
+void gatherPrefixes(const Zel8u* p, int len, const PrefixTables* prefix, Gathered* result);
+
+/// At least the sum of n * (n + 1) / 2 over the lengths n of the runs of a set's bytes, at most
+/// twice as much.
+int64_t boundRuns(const Zel8u* p, int len, const uint64_t* set);
 /// Writes the runs of a set's bytes, in order, until there are `capacity` (at least 1) of them.
 /// Answers how many; *resume is the end of the last.
 int collectRunsOf(const Zel8u* p, int len, const uint64_t* set, ZelRegExpFind* runs, int capacity,
@@ -79,6 +107,7 @@ int countUtf8Continuations(const Zel8u* p, int len);
 #define ZEL_KERNELS(X)                                                                            \
     X(findByte) X(findByteNot) X(findByteRev) X(findByte2) X(findByte3) X(findByteIn)             \
     X(findByteNotIn) X(findByteInRev) X(findByteNotInRev) X(findBytes) X(findBytesRev)            \
-    X(findBytesIgnoreCase) X(countUtf8Continuations) X(findPairIn) X(findDoubled)                 \
-    X(markBytesIn) X(findPrefixIn) X(sumRuns) X(collectRunsOf) X(copyBytes) X(zeroBytes)
+    X(findBytesIgnoreCase) X(countUtf8Continuations) X(gatherBytes) X(gatherBytesFolded)          \
+    X(gatherBytesIn) X(gatherPairsIn) X(gatherDoubled) X(gatherPrefixes) X(boundRuns)             \
+    X(markBytesIn) X(collectRunsOf) X(copyBytes) X(zeroBytes)
 // clang-format on
