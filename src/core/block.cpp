@@ -11,19 +11,42 @@ namespace zel::ZEL_ISA {
 
 namespace {
 
-template <typename T>
-ZelStatus copy(const T* src, T* dst, int len) {
-    if (anyNull(src, dst)) return zelStatusNullPointer;
-    if (len < 1) return zelStatusSizeError;
-    copyElements(src, dst, len);
+// A function that calls another with vectors at hand sets up an aligned stack frame, which is felt
+// in a copy of a few bytes. What is not short goes on to a function of its own, whose status is
+// passed on as it is.
+
+[[gnu::noinline]] ZelStatus copyOtherwise(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+    copyForward(src, dst, n);
+    return zelStatusOk;
+}
+
+[[gnu::noinline]] ZelStatus moveOtherwise(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+    moveRange(src, dst, n);
     return zelStatusOk;
 }
 
 template <typename T>
-ZelStatus move(const T* src, T* dst, int len) {
-    if (anyNull(src, dst)) return zelStatusNullPointer;
+ZEL_INLINE ZelStatus copy(const T* from, T* to, int len) {
+    if (anyNull(from, to)) return zelStatusNullPointer;
     if (len < 1) return zelStatusSizeError;
-    moveElements(src, dst, len);
+    const auto* const src = reinterpret_cast<const Zel8u*>(from);
+    auto* const dst = reinterpret_cast<Zel8u*>(to);
+    const auto n = len * static_cast<ptrdiff_t>(sizeof(T));
+    const bool isApart = static_cast<size_t>(dst - src) >= static_cast<size_t>(n);
+    if (n > kShortBlock || !isApart) return copyOtherwise(src, dst, n);
+    moveShort(src, dst, n);
+    return zelStatusOk;
+}
+
+template <typename T>
+ZEL_INLINE ZelStatus move(const T* from, T* to, int len) {
+    if (anyNull(from, to)) return zelStatusNullPointer;
+    if (len < 1) return zelStatusSizeError;
+    const auto* const src = reinterpret_cast<const Zel8u*>(from);
+    auto* const dst = reinterpret_cast<Zel8u*>(to);
+    const auto n = len * static_cast<ptrdiff_t>(sizeof(T));
+    if (n > kShortBlock) return moveOtherwise(src, dst, n);
+    moveShort(src, dst, n);
     return zelStatusOk;
 }
 

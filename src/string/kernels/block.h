@@ -15,73 +15,133 @@ namespace zel::ZEL_ISA {
 /// Bytes that moveShort can take.
 inline constexpr ptrdiff_t kShortBlock = 4 * Vec<Zel8u>::kBytes;
 
-/// Moves n bytes, at most kShortBlock.
-ZEL_INLINE void moveShort(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+#if defined(ZEL_ISA_AVX512)
+
+ZEL_INLINE __m256i loadHalf(const Zel8u* p) {
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
+}
+ZEL_INLINE void storeHalf(Zel8u* p, __m256i half) {
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), half);
+}
+
+/// Moves n bytes, at most two vectors. By halves: a store that crosses the end of a cache line
+/// takes two, a narrow one seldom does, and two narrow ones go at once.
+ZEL_INLINE void moveUpToTwo(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+    if (n <= 32) {
+        const auto lanes = static_cast<__mmask32>(lowBits(static_cast<int>(n)));
+        _mm256_mask_storeu_epi8(dst, lanes, _mm256_maskz_loadu_epi8(lanes, src));
+        return;
+    }
+    const __m256i first = loadHalf(src);
+    const __m256i last = loadHalf(src + n - 32);
+    if (n > 64) {
+        const __m256i second = loadHalf(src + 32);
+        const __m256i third = loadHalf(src + n - 64);
+        storeHalf(dst + 32, second);
+        storeHalf(dst + n - 64, third);
+    }
+    storeHalf(dst, first);
+    storeHalf(dst + n - 32, last);
+}
+
+#else
+
+/// Moves n bytes, at most two vectors.
+ZEL_INLINE void moveUpToTwo(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
     using V = Vec<Zel8u>;
-    constexpr ptrdiff_t k = V::kBytes;
-    if (n <= k) [[likely]] {
+    if (n <= V::kBytes) {
         V::loadFirst(src, static_cast<int>(n)).storeFirst(dst, static_cast<int>(n));
         return;
     }
     const V first = V::load(src);
-    const V last = V::load(src + n - k);
-    if (n > 2 * k) {
-        const V second = V::load(src + k);
-        const V third = V::load(src + n - 2 * k);
-        second.store(dst + k);
-        third.store(dst + n - 2 * k);
-    }
+    const V last = V::load(src + n - V::kBytes);
     first.store(dst);
+    last.store(dst + n - V::kBytes);
+}
+
+#endif
+
+/// Four vectors in a row, all loaded before the first is stored.
+struct FourVectors {
+    using V = Vec<Zel8u>;
+    V a, b, c, d;
+
+    ZEL_INLINE static FourVectors load(const Zel8u* p) {
+        constexpr ptrdiff_t k = V::kBytes;
+        return {V::load(p), V::load(p + k), V::load(p + 2 * k), V::load(p + 3 * k)};
+    }
+    ZEL_INLINE void store(Zel8u* p) const {
+        constexpr ptrdiff_t k = V::kBytes;
+        a.store(p);
+        b.store(p + k);
+        c.store(p + 2 * k);
+        d.store(p + 3 * k);
+    }
+};
+
+/// Moves n bytes, at most kShortBlock.
+ZEL_INLINE void moveShort(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+    using V = Vec<Zel8u>;
+    constexpr ptrdiff_t k = V::kBytes;
+    if (n <= 2 * k) [[likely]] {
+        moveUpToTwo(src, dst, n);
+        return;
+    }
+    const V first = V::load(src);
+    const V second = V::load(src + k);
+    const V third = V::load(src + n - 2 * k);
+    const V last = V::load(src + n - k);
+    first.store(dst);
+    second.store(dst + k);
+    third.store(dst + n - 2 * k);
     last.store(dst + n - k);
 }
 
 /// From here on the C library's way of copying pays for the way to it.
 inline constexpr ptrdiff_t kLongBlock = 16384;
 
+/// Whether a copy from low to high addresses loads what lies a multiple of 4 KiB from what it has
+/// just stored. Processors compare the low twelve bits of addresses first, and would wait.
+ZEL_INLINE bool trailsItsStores(const Zel8u* src, const Zel8u* dst) {
+    constexpr size_t kPage = 4096;
+    constexpr size_t kStoresInFlight = 1024;
+    return static_cast<size_t>(dst - src) % kPage - 1 < kStoresInFlight;
+}
+
 /// Moves n bytes, more than kShortBlock. Whole vectors of the destination are stored in the middle;
 /// both ends are loaded before anything is stored, and stored last.
 [[gnu::noinline]] inline void moveLong(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
     using V = Vec<Zel8u>;
     constexpr ptrdiff_t k = V::kBytes;
+    if (n <= 8 * k) {
+        const FourVectors low = FourVectors::load(src);
+        const FourVectors high = FourVectors::load(src + n - 4 * k);
+        low.store(dst);
+        high.store(dst + n - 4 * k);
+        return;
+    }
     if (n > kLongBlock) {
         memmove(dst, src, static_cast<size_t>(n));
         return;
     }
-    const auto moveFour = [=](ptrdiff_t at) __attribute__((always_inline)) {
-        const V a = V::load(src + at);
-        const V b = V::load(src + at + k);
-        const V c = V::load(src + at + 2 * k);
-        const V d = V::load(src + at + 3 * k);
-        a.store(dst + at);
-        b.store(dst + at + k);
-        c.store(dst + at + 2 * k);
-        d.store(dst + at + 3 * k);
-    };
-    if (static_cast<size_t>(dst - src) >= static_cast<size_t>(n)) {
+    const auto size = static_cast<size_t>(n);
+    const bool upIsSafe = static_cast<size_t>(dst - src) >= size;
+    const bool downIsSafe = static_cast<size_t>(src - dst) >= size;
+    if (upIsSafe && !(downIsSafe && trailsItsStores(src, dst))) {
         const ptrdiff_t rest = n - 4 * k;
         const V first = V::load(src);
-        const V a = V::load(src + rest);
-        const V b = V::load(src + rest + k);
-        const V c = V::load(src + rest + 2 * k);
-        const V d = V::load(src + rest + 3 * k);
-        for (ptrdiff_t at = toBoundary(dst); at < rest; at += 4 * k) moveFour(at);
+        const FourVectors high = FourVectors::load(src + rest);
+        for (ptrdiff_t at = toBoundary(dst); at < rest; at += 4 * k)
+            FourVectors::load(src + at).store(dst + at);
         first.store(dst);
-        a.store(dst + rest);
-        b.store(dst + rest + k);
-        c.store(dst + rest + 2 * k);
-        d.store(dst + rest + 3 * k);
+        high.store(dst + rest);
     } else {
         const V last = V::load(src + n - k);
-        const V a = V::load(src);
-        const V b = V::load(src + k);
-        const V c = V::load(src + 2 * k);
-        const V d = V::load(src + 3 * k);
-        for (ptrdiff_t at = n - fromBoundary(dst + n) - 4 * k; at > 0; at -= 4 * k) moveFour(at);
+        const FourVectors low = FourVectors::load(src);
+        for (ptrdiff_t at = n - fromBoundary(dst + n) - 4 * k; at > 0; at -= 4 * k)
+            FourVectors::load(src + at).store(dst + at);
         last.store(dst + n - k);
-        a.store(dst);
-        b.store(dst + k);
-        c.store(dst + 2 * k);
-        d.store(dst + 3 * k);
+        low.store(dst);
     }
 }
 
@@ -96,32 +156,26 @@ inline constexpr ptrdiff_t kLongBlock = 16384;
     }
 }
 
+/// Moves n bytes so that overlapping ranges keep their content in either direction.
+ZEL_INLINE void moveRange(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+    if (n <= kShortBlock) [[likely]] {
+        if (n > 0) [[likely]]
+            moveShort(src, dst, n);
+    } else {
+        moveLong(src, dst, n);
+    }
+}
+
 /// Copies n bytes as if one by one from index 0 up, also when the ranges overlap: a copy to a lower
 /// address is exact, a copy to a higher one inside the source repeats the leading bytes.
 ZEL_INLINE void copyForward(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
-    using V = Vec<Zel8u>;
-    const auto size = static_cast<size_t>(n);
     const auto distance = static_cast<size_t>(dst - src);
-    if (size <= size_t{V::kBytes} && distance >= size) [[likely]] {
-        V::loadFirst(src, static_cast<int>(n)).storeFirst(dst, static_cast<int>(n));
+    // A negative n is a large number here.
+    if (distance < static_cast<size_t>(n)) [[unlikely]] {
+        if (n > 0 && distance != 0) repeatBytes(src, dst, n);
         return;
     }
-    if (n < 1 || distance == 0) return;
-    if (distance < size) [[unlikely]]
-        repeatBytes(src, dst, n);
-    else if (n <= kShortBlock)
-        moveShort(src, dst, n);
-    else
-        moveLong(src, dst, n);
-}
-
-/// Moves n bytes so that overlapping ranges keep their content in either direction.
-ZEL_INLINE void moveRange(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
-    if (n < 1) return;
-    if (n <= kShortBlock) [[likely]]
-        moveShort(src, dst, n);
-    else
-        moveLong(src, dst, n);
+    moveRange(src, dst, n);
 }
 
 /// Clears n bytes.

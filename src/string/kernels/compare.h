@@ -138,7 +138,7 @@ ZEL_INLINE int compareElements(const T* a, const T* b, int len) {
 template <typename T>
 ZEL_INLINE bool equalElements(const T* a, const T* b, int len) {
     if (len <= Vec<T>::kLanes) [[likely]]
-        return !difference(Vec<T>::loadFirst(a, len), Vec<T>::loadFirst(b, len)).any();
+        return Mask<T>{equalBits(Vec<T>::loadFirst(a, len), Vec<T>::loadFirst(b, len))}.isAll();
     AsTheyStand fold;
     return firstDifferenceLong(a, b, len, fold) < 0;
 }

@@ -95,7 +95,8 @@ template <typename T, typename Test>
 ZEL_INLINE int lastHit(const T* src, int len, const Test& test) {
     if (len > Test::kLanes) [[unlikely]]
         return lastHitLong(src, len, test);
-    return (test.maskFirst(src, len) & Mask<T>::firstN(len)).lastOrNotFound();
+    const Mask<T> found = test.maskFirst(src, len) & Mask<T>::firstN(len);
+    return found.any() ? found.last() : kNotFound;
 }
 
 /// The usual test: one vector a block, accepted where it equals one of N values.
