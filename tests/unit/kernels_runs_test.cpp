@@ -120,23 +120,6 @@ TEST(GatherKernels, Doubled) {
     });
 }
 
-TEST(RunKernels, MarkBytes) {
-    onManyTexts([](std::mt19937& random, const Zel8u* text, int length) {
-        const Set a = someSet(random, 60);
-        const size_t words = (static_cast<size_t>(length) + 63) / 64;
-        std::vector<uint64_t> expected(words);
-        for (int i = 0; i < length; ++i) {
-            if (a.has(text[i])) expected[static_cast<size_t>(i) / 64] |= uint64_t{1} << (i % 64);
-        }
-        expected.push_back(7);
-        std::vector<uint64_t> marks(words + 1, 7);
-        FOR_EACH_INSTANCE({
-            markBytesIn(text, length, a.words, marks.data());
-            ASSERT_EQ(marks, expected);
-        });
-    });
-}
-
 TEST(GatherKernels, BytesIn) {
     onManyTexts([](std::mt19937& random, const Zel8u* text, int length) {
         const Set a = someSet(random, random() % 2 != 0 ? 1 : 60);

@@ -4,51 +4,10 @@
 
 #include "regexp/match/character.h"
 #include "regexp/match/class_matcher.h"
+#include "regexp/match/places.h"
 #include "string/kernels/api.h"
 
 namespace zel {
-
-namespace {
-
-/// Where the bytes of a set are in a text, found for some thousand bytes at a time: what comes
-/// every few bytes is not worth a search of its own.
-class Places {
-public:
-    Places(const ByteSet& bytes, const Zel8u* text, const Zel8u* end)
-        : bytes_(bytes), base_(text), markedEnd_(text), end_(end) {}
-
-    /// The first one at or behind `text`, which never goes back; the text's end when there is none.
-    const Zel8u* next(const Zel8u* text) {
-        for (;; text = markedEnd_) {
-            if (text >= markedEnd_) {
-                if (text == end_) return text;
-                mark(text);
-            }
-            const ptrdiff_t words = (markedEnd_ - base_ + 63) / 64;
-            ptrdiff_t word = (text - base_) / 64;
-            uint64_t bits = marks_[word] & (~uint64_t{0} << ((text - base_) % 64));
-            while (bits == 0 && ++word < words) bits = marks_[word];
-            if (bits != 0) return base_ + 64 * word + __builtin_ctzll(bits);
-        }
-    }
-
-private:
-    static constexpr int kBytes = 2048;
-
-    void mark(const Zel8u* text) {
-        base_ = text;
-        markedEnd_ = end_ - text > kBytes ? text + kBytes : end_;
-        kernels::markBytesIn(text, static_cast<int>(markedEnd_ - text), bytes_.words, marks_);
-    }
-
-    const ByteSet& bytes_;
-    const Zel8u* base_;
-    const Zel8u* markedEnd_;
-    const Zel8u* end_;
-    uint64_t marks_[kBytes / 64];
-};
-
-}  // namespace
 
 bool CharacterSequence::readPart(const Node& node) {
     ByteSet first = {};
@@ -151,10 +110,14 @@ const Zel8u* CharacterSequence::matchAt(const Zel8u* text, const Zel8u* end) con
 int CharacterSequence::collect(const Zel8u* start, const Zel8u* end, ZelRegExpFind* results,
                                int capacity) const {
     int written = 0;
-    Places places(first_, start, end);
+    Places places;
+    places.clear();
+    const auto gather = [this](const Zel8u* p, int length, kernels::Gathered* gathered) {
+        kernels::gatherBytesIn(p, length, first_.words, gathered);
+    };
     for (const Zel8u* text = start; written < capacity && text < end;) {
         if (!first_.has(*text)) {
-            text = characterBoundary(places.next(text), start, end);
+            text = characterBoundary(places.next(text, end, gather), start, end);
             continue;
         }
         const Zel8u* matchEnd = matchAt(text, end);

@@ -10,6 +10,7 @@
 
 #include "regexp/match/byte_set.h"
 #include "regexp/match/hopeless_run.h"
+#include "regexp/match/places.h"
 #include "regexp/match/stack_guard.h"
 #include "regexp/program.h"
 #include "string/kernels/api.h"
@@ -71,8 +72,6 @@ struct Plan {
     int64_t bill(const Zel8u* from, const Zel8u* to, const Zel8u* end, int steps) const;
 
 private:
-    template <typename Gather>
-    const Zel8u* nextPlace(const Zel8u* from, const Zel8u* end, const Gather& gather);
     const Zel8u* nextLiteral(const Zel8u* from, const Zel8u* end);
     bool acceptsAt(const Zel8u* position, const Zel8u* end) const;
     const Zel8u* nextStartOfLine(const Zel8u* from, const Zel8u* end);
@@ -83,10 +82,7 @@ private:
     const Zel8u* nextRequired(const Zel8u* from, const Zel8u* end);
     int64_t billForRuns(const Zel8u* from, const Zel8u* to) const;
 
-    kernels::Gathered gathered_;
-    const Zel8u* places_;    // where the masks gathered begin, null when there are none yet
-    const Zel8u* scanned_;   // and as far as they go
-    int blocksSeen_;         // how many of them lie behind
+    Places places_;
     const Zel8u* wide_;      // the first byte of a longer character, once looked for
     const Zel8u* required_;  // the byte of `behind` at the end of the run last found
 };

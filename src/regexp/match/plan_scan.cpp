@@ -25,36 +25,13 @@ void Plan::clear() {
     lines = exact = ignoreCase = avoidsWide = hasSecond = wordStart = echoes = false;
     price = runPrice = literalLength = alternatives = byteCount = 0;
     min = max = 1;
-    scanned_ = places_ = nullptr;
-    blocksSeen_ = gathered_.blocks = 0;
+    places_.clear();
     literal = wide_ = required_ = nullptr;
     first = behind = second = {};
 }
 
-/// The first of the places that `gather` finds which is not in front of `from`, `end` when there is
-/// none. Each question is about the same or a later part of the text than the one before.
-template <typename Gather>
-const Zel8u* Plan::nextPlace(const Zel8u* from, const Zel8u* end, const Gather& gather) {
-    constexpr int kBits = 64;
-    for (;;) {
-        if (places_ != nullptr && from > places_) blocksSeen_ = distance(places_, from) / kBits;
-        for (; blocksSeen_ < gathered_.blocks; ++blocksSeen_) {
-            const Zel8u* block = places_ + kBits * blocksSeen_;
-            uint64_t bits = gathered_.bits[blocksSeen_];
-            if (from > block) bits = bits >> (from - block) << (from - block);
-            if (bits != 0) return block + __builtin_ctzll(bits);
-        }
-        const Zel8u* at = from > scanned_ ? from : scanned_;
-        if (at >= end) return end;
-        gather(at, distance(at, end), &gathered_);
-        scanned_ = at + gathered_.scanned;
-        places_ = at + gathered_.begin;
-        blocksSeen_ = 0;
-    }
-}
-
 const Zel8u* Plan::nextLiteral(const Zel8u* from, const Zel8u* end) {
-    return nextPlace(from, end, [this](const Zel8u* p, int length, kernels::Gathered* places) {
+    return places_.next(from, end, [this](const Zel8u* p, int length, kernels::Gathered* places) {
         const auto gather = ignoreCase ? kernels::gatherBytesFolded : kernels::gatherBytes;
         gather(p, length, literal, literalLength, places);
     });
@@ -76,11 +53,11 @@ const Zel8u* Plan::next(const Zel8u* from, const Zel8u* start, const Zel8u* end)
         case kLine:
             return nextLine(from, start, end);
         case kPrefix:
-            return nextPlace(from, end, [this](const Zel8u* p, int length, Gathered* places) {
+            return places_.next(from, end, [this](const Zel8u* p, int length, Gathered* places) {
                 kernels::gatherPrefixes(p, length, &prefix, places);
             });
         case kDoubled:
-            return nextPlace(from, end, [this](const Zel8u* p, int length, Gathered* places) {
+            return places_.next(from, end, [this](const Zel8u* p, int length, Gathered* places) {
                 kernels::gatherDoubled(p, length, first.words, places);
             });
         case kRun:
@@ -93,7 +70,7 @@ const Zel8u* Plan::next(const Zel8u* from, const Zel8u* start, const Zel8u* end)
         case kSet:
             break;
     }
-    return nextPlace(from, end, [this](const Zel8u* p, int length, Gathered* places) {
+    return places_.next(from, end, [this](const Zel8u* p, int length, Gathered* places) {
         kernels::gatherBytesIn(p, length, first.words, places);
     });
 }
@@ -151,7 +128,7 @@ const Zel8u* Plan::nextRun(const Zel8u* from, const Zel8u* start, const Zel8u* e
         kernels::gatherPairsIn(p, length, first.words, behind.words, places);
     };
     for (const Zel8u* position = from; position < end;) {
-        const Zel8u* last = nextPlace(position, end, gather);
+        const Zel8u* last = places_.next(position, end, gather);
         if (last == end) break;
         const Zel8u* earliest = last + 1 - from > max ? last + 1 - max : from;
         const Zel8u* begin = runStart(earliest, last + 1, first);

@@ -67,10 +67,6 @@ int findBytesIgnoreCase(const Zel8u* p, int len, const Zel8u* needle, int needle
     return orLength(findStringIgnoreCase(p, len, needle, needleLen), len);
 }
 
-void markBytesIn(const Zel8u* p, int len, const uint64_t* set, uint64_t* marks) {
-    markMembers(p, len, set, marks);
-}
-
 void gatherBytes(const Zel8u* p, int len, const Zel8u* needle, int needleLen,
                  kernels::Gathered* result) {
     const int first = findString(p, len, needle, needleLen);

@@ -33,10 +33,6 @@ int findByteNotIn(const Zel8u* p, int len, const uint64_t* set);
 int findByteInRev(const Zel8u* p, int len, const uint64_t* set);
 int findByteNotInRev(const Zel8u* p, int len, const uint64_t* set);
 
-/// Bit i % 64 of marks[i / 64] says whether p[i] is in the set; the bits behind the last byte are
-/// 0.
-void markBytesIn(const Zel8u* p, int len, const uint64_t* set, uint64_t* marks);
-
 /// Where a needle of at least one byte stands first, or last.
 int findBytes(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
 int findBytesRev(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
@@ -109,5 +105,5 @@ int countUtf8Continuations(const Zel8u* p, int len);
     X(findByteNotIn) X(findByteInRev) X(findByteNotInRev) X(findBytes) X(findBytesRev)            \
     X(findBytesIgnoreCase) X(countUtf8Continuations) X(gatherBytes) X(gatherBytesFolded)          \
     X(gatherBytesIn) X(gatherPairsIn) X(gatherDoubled) X(gatherPrefixes) X(boundRuns)             \
-    X(markBytesIn) X(collectRunsOf) X(copyBytes) X(zeroBytes)
+    X(collectRunsOf) X(copyBytes) X(zeroBytes)
 // clang-format on

@@ -28,13 +28,6 @@ ZEL_INLINE uint64_t memberBits(const Class& members, const Zel8u* p, ptrdiff_t n
     return bits;
 }
 
-ZEL_INLINE void markMembers(const Zel8u* p, int len, const uint64_t* set, uint64_t* marks) {
-    const ByteClass members = ByteClass::fromWords(set);
-    for (ptrdiff_t at = 0; at < len; at += kMaskBits) {
-        *marks++ = memberBits(members, p + at, len - at);
-    }
-}
-
 /// The ones of a word weighed: at least the sum of n * (n + 1) / 2 over its runs of n ones, and
 /// less than twice as much. A run leaves n - k ones when it is eroded k times, and the sum is that
 /// of the ones left after each erosion; here these are counted before every doubling of k only.
