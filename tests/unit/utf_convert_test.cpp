@@ -519,6 +519,32 @@ TEST(ConvertUtf, To16_EveryRoomAndEveryEndFollowsTheRule) {
     }
 }
 
+// Texts of many megabytes take a way of their own as long as they are ASCII.
+TEST(ConvertUtf, To16_VeryLongAsciiWithAndWithoutAnotherCharacter) {
+    constexpr int kLen = (16 << 20) + 300007;
+    Bytes src(kLen);
+    for (size_t i = 0; i < src.size(); ++i) src[i] = static_cast<Zel8u>('a' + i % 23);
+    Units dst(kLen + 64, 0x7777);
+    const auto check = [&](int offset, int room, Result want) {
+        Zel16u* const to = dst.data() + offset;
+        int srcLen = kLen, dstLen = room;
+        zelsConvertUTF_8u16u(src.data(), &srcLen, to, &dstLen, 0);
+        ASSERT_EQ((Result{srcLen, dstLen}), want) << offset;
+        ASSERT_EQ(to[want.written], 0x7777);
+        // What comes behind the other character has moved by one.
+        const long same = std::mismatch(to, to + want.written, src.data()).first - to;
+        if (same == want.written) return;
+        ASSERT_EQ(to[same], 0xE9);
+        ASSERT_TRUE(std::equal(to + same + 1, to + want.written, src.data() + same + 2));
+    };
+    check(0, 200003, {200003, 200003});
+    check(31, kLen, {kLen, kLen});
+    std::fill(dst.begin(), dst.end(), Zel16u{0x7777});
+    src[100001] = 0xC3;
+    src[100002] = 0xA9;
+    check(5, kLen, {kLen, kLen - 1});
+}
+
 Units randomUtf16(Random& random, int len, int kind) {
     Units text(static_cast<size_t>(len));
     for (Zel16u& unit : text) {

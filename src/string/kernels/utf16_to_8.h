@@ -26,6 +26,7 @@ public:
     ZEL_INLINE To8 run() {
         // The unit behind a block decides whether its last one begins a pair.
         while (at_.remaining > kUnits && at_.room > 0) {
+            if (wasAscii_ && narrowTwo()) continue;
             const auto next = [this] { return _mm512_loadu_si512(at_.src + 1); };
             if (!convert(inOrder(_mm512_loadu_si512(at_.src)), next, kUnits)) return end();
         }
@@ -57,22 +58,36 @@ private:
         return _mm512_cmpeq_epi16_mask(kind, _mm512_set1_epi16(static_cast<short>(first)));
     }
 
+    ZEL_INLINE static uint32_t above7Bits(__m512i units) {
+        return _mm512_test_epi16_mask(units, _mm512_set1_epi16(-0x80));
+    }
+
+    /// Narrows two blocks, if they are ASCII.
+    ZEL_INLINE bool narrowTwo() {
+        if (at_.remaining < 2 * kUnits || at_.room < 2 * kUnits) return false;
+        const __m512i a = inOrder(_mm512_loadu_si512(at_.src));
+        const __m512i b = inOrder(_mm512_loadu_si512(at_.src + kUnits));
+        if (above7Bits(_mm512_or_si512(a, b)) != 0) return false;
+        // Packing takes eight units of each in turn.
+        const __m512i order = _mm512_set_epi64(7, 5, 3, 1, 6, 4, 2, 0);
+        _mm512_storeu_si512(at_.dst, _mm512_permutexvar_epi64(order, _mm512_packus_epi16(a, b)));
+        at_.advance(2 * kUnits, 2 * kUnits);
+        return true;
+    }
+
     /// Converts the first n units, if there is room for their bytes. `next` loads the units one
     /// further on.
     template <typename Next>
     ZEL_INLINE bool convert(__m512i units, Next next, int n) {
-        const uint32_t above7 = _mm512_test_epi16_mask(units, _mm512_set1_epi16(-0x80));
+        const uint32_t above7 = above7Bits(units);
+        wasAscii_ = above7 == 0;
         const uint32_t above11 = _mm512_test_epi16_mask(units, _mm512_set1_epi16(-0x800));
         if (above11 == 0) {
             const int count = n + __builtin_popcount(above7);
             if (count > at_.room) return false;
-            if (above7 == 0) {
-                if (n == kUnits) {
-                    _mm256_storeu_si256(reinterpret_cast<__m256i*>(at_.dst),
+            if (wasAscii_) {
+                _mm256_mask_storeu_epi8(at_.dst, static_cast<__mmask32>(lowBits(n)),
                                         _mm512_cvtepi16_epi8(units));
-                } else
-                    _mm256_mask_storeu_epi8(at_.dst, static_cast<__mmask32>(lowBits(n)),
-                                            _mm512_cvtepi16_epi8(units));
             } else {
                 storeShort(units, above7, n, count);
             }
@@ -165,6 +180,7 @@ private:
 
     To8 at_;
     uint32_t owed_ = 0;  // 1 when the next unit belongs to the last pair
+    bool wasAscii_ = true;
 };
 
 /// Converts as much as there surely is room for and answers where it ended.

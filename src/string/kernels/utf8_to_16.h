@@ -44,12 +44,18 @@ public:
 
     /// Answers where it ended.
     ZEL_INLINE To16 run() {
+        int asciiBlocks = 0;
         while (at_.remaining >= kWhole && at_.room >= 64) {
             const __m512i bytes = _mm512_loadu_si512(at_.src);
             if (_mm512_movepi8_mask(bytes) == 0) {
                 widen(bytes);
-            } else if (!convert(Utf8Block::load(at_.src), 64)) {
-                return end();
+                if (++asciiBlocks >= kAsciiBeforeStream && at_.remaining >= kWorthStreaming) {
+                    stream();
+                    asciiBlocks = 0;
+                }
+            } else {
+                if (!convert(Utf8Block::load(at_.src), 64)) return end();
+                asciiBlocks = 0;
             }
         }
         while (at_.remaining > 0 && at_.room > 0) {
@@ -67,6 +73,10 @@ public:
 private:
     // A block and the bytes behind it that its last character may take.
     static constexpr int kWhole = 67;
+    // What is left of a text when its units no longer fit into any core's own caches, and how much
+    // ASCII there has been when more can be hoped for.
+    static constexpr long kWorthStreaming = 16 << 20;
+    static constexpr int kAsciiBeforeStream = 64;
 
     /// Passes over what the last character has taken of the next block.
     ZEL_INLINE To16 end() {
@@ -80,6 +90,25 @@ private:
         _mm512_storeu_si512(at_.dst, _mm512_cvtepu8_epi16(_mm512_castsi512_si256(bytes)));
         _mm512_storeu_si512(at_.dst + 32, _mm512_cvtepu8_epi16(upper));
         at_.advance(64, 64);
+    }
+    /// Widens the ASCII that comes next, and sends the units past the caches, which have no use for
+    /// so much.
+    ZEL_INLINE void stream() {
+        const auto misaligned = reinterpret_cast<uintptr_t>(at_.dst) % 64;
+        const __m512i first = _mm512_loadu_si512(at_.src);
+        const bool canAlign = misaligned % sizeof(Zel16u) == 0;
+        if (!canAlign || at_.room < 64 || _mm512_movepi8_mask(first) != 0) return;
+        widenFirst(first, static_cast<int>((64 - misaligned) / sizeof(Zel16u)));
+        while (at_.remaining >= kWhole && at_.room >= 64) {
+            const __m512i bytes = _mm512_loadu_si512(at_.src);
+            if (_mm512_movepi8_mask(bytes) != 0) break;
+            const __m256i upper = _mm512_extracti64x4_epi64(bytes, 1);
+            auto* const line = reinterpret_cast<__m512i*>(at_.dst);
+            _mm512_stream_si512(line, _mm512_cvtepu8_epi16(_mm512_castsi512_si256(bytes)));
+            _mm512_stream_si512(line + 1, _mm512_cvtepu8_epi16(upper));
+            at_.advance(64, 64);
+        }
+        _mm_sfence();
     }
     /// Widens the first n.
     ZEL_INLINE void widenFirst(__m512i bytes, int n) {
