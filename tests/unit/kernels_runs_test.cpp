@@ -69,12 +69,11 @@ void checkGathered(int length, const IsPlace& isPlace, const Gather& gather,
         gather(at, &result);
         ASSERT_GT(result.scanned, 0);
         ASSERT_LE(at + result.scanned, length);
-        ASSERT_TRUE(result.blocks > 0 || at + result.scanned == length);
-        ASSERT_LE(result.blocks, Gathered::kBlocks);
-        for (int i = 0; i < 64 * result.blocks; ++i) {
-            if ((result.bits[i / 64] >> i % 64 & 1) == 0) continue;
-            ASSERT_LT(result.begin + i, result.scanned);
-            met.push_back(at + result.begin + i);
+        ASSERT_TRUE(result.count > 0 || at + result.scanned == length);
+        ASSERT_LE(result.count, 64 * Gathered::kBlocks);
+        for (int i = 0; i < result.count; ++i) {
+            ASSERT_LT(result.begin + result.offsets[i], result.scanned);
+            met.push_back(at + result.begin + result.offsets[i]);
         }
         at += result.scanned;
     }

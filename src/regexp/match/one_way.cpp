@@ -196,15 +196,14 @@ OneWay::Outcome OneWay::tryAt(const Zel8u* position, RegExpMatchContext& context
         for (int i = 1; i < context.numCaptures; ++i) context.captures[i] = {nullptr, -1};
     };
     const int before = context.steps;
-    const Zel8u* const end = context.textEnd;
-    for (int first = 0; first != count; first = parts[first].next) {
-        const Part& part = parts[first];
-        if (part.kind == Part::kText && (position == end || *position != *part.text)) {
-            if (!context.charge(part.steps)) return kFailed;
-            continue;
-        }
+    Zel32u left = 1;
+    if (alternatives > 1) {
+        left = position == context.textEnd ? beginningAtEnd : beginning[*position];
+        if (!context.charge(skipPrice)) return kFailed;
+    }
+    for (; left != 0; left &= left - 1) {
         Attempt attempt(position, context);
-        const Outcome outcome = attempt.run(&part);
+        const Outcome outcome = attempt.run(parts + first[__builtin_ctz(left)]);
         const Zel8u* reached =
             attempt.position > attempt.reached ? attempt.position : attempt.reached;
         if (outcome == kNotKnown || (outcome == kMatched && attempt.position == position)) {

@@ -42,20 +42,24 @@ struct OneWay {
         int min;
         int max;
         int number;
-        // Of an alternative's first part: where the next alternative begins, and how many nodes
-        // have been executed with this one.
-        int next;
-        int steps;
         int length;  // of `text`
         const Zel8u* text;
         ByteSet set;
     };
 
-    // Patterns with more parts are rare.
-    static constexpr int kMaxParts = 24;
+    // Patterns with more parts are rare, but for those that list words.
+    static constexpr int kMaxParts = 64;
+    static constexpr int kMaxAlternatives = 32;
     int count;
     int nodes;  // how many steps an attempt takes at most that gives back nothing
     int price;  // and what giving back adds for each byte
+    int alternatives;
+    int first[kMaxAlternatives];  // the part that each alternative begins with
+    // When there are several alternatives: which of them may match in front of a byte, a bit for
+    // each, and what those cost at most that may not.
+    Zel32u beginning[256];
+    Zel32u beginningAtEnd;
+    int skipPrice;
     Part parts[kMaxParts];
 
     /// Nothing is known of the pattern; making it known is what makeOneWay does.

@@ -184,43 +184,52 @@ int Planner::describeNode(int index, Zel32u& flags, OneWay& oneWay, OneWay::Part
     }
 }
 
+/// Sorts the alternatives by the bytes that they can begin with.
+void Planner::sortAlternatives(OneWay& oneWay) const {
+    oneWay.skipPrice = oneWay.nodes;
+    oneWay.beginningAtEnd = 0;
+    for (Zel32u& alternatives : oneWay.beginning) alternatives = 0;
+    for (int i = 0; i < oneWay.alternatives; ++i) {
+        const Zel32u bit = Zel32u{1} << i;
+        const OneWay::Part& part = oneWay.parts[oneWay.first[i]];
+        if (part.kind == OneWay::Part::kText) {
+            oneWay.beginning[*part.text] |= bit;
+            continue;
+        }
+        for (Zel32u& alternatives : oneWay.beginning) alternatives |= bit;
+        oneWay.beginningAtEnd |= bit;
+    }
+}
+
 bool Planner::describe(Zel32u flags, OneWay& oneWay) {
     oneWay.nodes = count_;
     oneWay.price = 0;
-    oneWay.count = 0;
+    oneWay.alternatives = 0;
     int parts = 0;
-    int start = 0;  // first node of the alternative
-    int first = 0;  // and its first part
-    bool hasBars = false;
     bool isLazy = false;
-    for (int index = 0; index <= count_;) {
-        if (parts == OneWay::kMaxParts) return false;
-        OneWay::Part& part = oneWay.parts[parts];
-        const bool atBar = index < count_ && nodes_[index].kind == NodeAlternative;
-        if (index == count_ || atBar) {
-            if (atBar && nodes_[index].value != 0) return false;
-            part.kind = OneWay::Part::kEnd;
+    for (int index = 0; index <= count_; ++index) {
+        if (oneWay.alternatives == OneWay::kMaxAlternatives) return false;
+        oneWay.first[oneWay.alternatives++] = parts;
+        while (index < count_ && nodes_[index].kind != NodeAlternative) {
+            if (parts + 1 == OneWay::kMaxParts) return false;
+            OneWay::Part& part = oneWay.parts[parts];
+            bool isPart = false;
+            const int nodes = describeNode(index, flags, oneWay, part, isPart);
+            if (nodes == 0) return false;
+            index += nodes;
+            if (!isPart) continue;
+            part.flags = flags;
+            isLazy = isLazy || part.kind == OneWay::Part::kUntilText;
             ++parts;
-            oneWay.parts[first].next = parts;
-            first = parts;
-            if (atBar) flags = static_cast<Zel32u>(nodes_[index].count);
-            start = index + 1;
-            hasBars = hasBars || atBar;
-            ++index;
-            continue;
         }
-        bool isPart = false;
-        const int nodes = describeNode(index, flags, oneWay, part, isPart);
-        if (nodes == 0) return false;
-        index += nodes;
-        if (!isPart) continue;
-        part.flags = flags;
-        part.steps = index - start;
-        isLazy = isLazy || part.kind == OneWay::Part::kUntilText;
-        ++parts;
+        if (index < count_ && nodes_[index].value != 0) return false;  // of a group
+        if (index < count_) flags = static_cast<Zel32u>(nodes_[index].count);
+        if (parts == OneWay::kMaxParts) return false;
+        oneWay.parts[parts++].kind = OneWay::Part::kEnd;
     }
     // A lazy run that fails leaves the whole match longer than it is, for the next alternative.
-    if (hasBars && isLazy) return false;
+    if (oneWay.alternatives > 1 && isLazy) return false;
+    if (oneWay.alternatives > 1) sortAlternatives(oneWay);
     oneWay.count = parts;
     return true;
 }

@@ -11,7 +11,7 @@ public:
     /// Forgets what was gathered.
     void clear() {
         scanned_ = begin_ = nullptr;
-        blocksSeen_ = gathered_.blocks = 0;
+        seen_ = gathered_.count = 0;
     }
 
     /// The first of the places that `gather(position, length, &gathered)` finds which is not in
@@ -19,30 +19,25 @@ public:
     /// of the text than the one before.
     template <typename Gather>
     const Zel8u* next(const Zel8u* from, const Zel8u* end, const Gather& gather) {
-        constexpr int kBits = 64;
         for (;;) {
-            if (begin_ != nullptr && from > begin_)
-                blocksSeen_ = static_cast<int>(from - begin_) / kBits;
-            for (; blocksSeen_ < gathered_.blocks; ++blocksSeen_) {
-                const Zel8u* block = begin_ + kBits * blocksSeen_;
-                uint64_t bits = gathered_.bits[blocksSeen_];
-                if (from > block) bits = bits >> (from - block) << (from - block);
-                if (bits != 0) return block + __builtin_ctzll(bits);
+            for (; seen_ < gathered_.count; ++seen_) {
+                const Zel8u* place = begin_ + gathered_.offsets[seen_];
+                if (place >= from) return place;
             }
             const Zel8u* at = from > scanned_ ? from : scanned_;
             if (at >= end) return end;
             gather(at, static_cast<int>(end - at), &gathered_);
             scanned_ = at + gathered_.scanned;
             begin_ = at + gathered_.begin;
-            blocksSeen_ = 0;
+            seen_ = 0;
         }
     }
 
 private:
     kernels::Gathered gathered_;
-    const Zel8u* begin_;    // where the masks gathered begin, null when there are none yet
-    const Zel8u* scanned_;  // and as far as they go
-    int blocksSeen_;        // how many of them lie behind
+    const Zel8u* begin_;    // where the offsets gathered count from
+    const Zel8u* scanned_;  // as far as was looked, null before that
+    int seen_;              // how many of the places lie behind
 };
 
 }  // namespace zel

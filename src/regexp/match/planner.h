@@ -122,6 +122,7 @@ private:
     bool describeText(int index, Zel32u flags, OneWay::Part& part) const;
     int describeRun(int index, Zel32u flags, OneWay& oneWay, OneWay::Part& part);
     bool describeLook(int open, Zel32u flags, OneWay::Part& part) const;
+    void sortAlternatives(OneWay& oneWay) const;
     int describeNode(int index, Zel32u& flags, OneWay& oneWay, OneWay::Part& part, bool& isPart);
 
     const Node* nodes_;

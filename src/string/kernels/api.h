@@ -39,14 +39,15 @@ int findBytesRev(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
 /// Where it stands first when the letters A-Z and a-z are alike, in text and needle.
 int findBytesIgnoreCase(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
 
-/// Places in a text: all those below `scanned`. Bit i of the mask of block b stands for the index
-/// begin + 64 * b + i. There may be no blocks only when all of the text was scanned.
+/// Places in a text, in order: all those below `scanned`, as offsets from `begin`. There may be
+/// none only when all of the text was scanned.
 struct Gathered {
-    static constexpr int kBlocks = 8;
+    static constexpr int kBlocks = 8;  // of 64 positions
+    static constexpr int kSpare = 4;
     int scanned;
     int begin;
-    int blocks;
-    uint64_t bits[kBlocks];
+    int count;
+    Zel16u offsets[64 * kBlocks + kSpare];  // what stands behind `count` means nothing
 };
 
 /// Places of a needle of at least one byte, and perhaps others that have some of its bytes.

@@ -3,8 +3,8 @@
 // with.
 //
 // A search for the next place costs as much for the call, and for finding its bearings, as for some
-// hundred bytes of text. So the search does not end with the first place: it looks at some more
-// blocks of 64 positions and answers with a mask for each. Up to the first place it is as fast as
+// hundred bytes of text. So the search does not end with the first place: it goes on for some more
+// blocks of 64 positions and writes down all that it meets. Up to the first place it is as fast as
 // there is a loop for.
 #pragma once
 
@@ -21,7 +21,8 @@ namespace zel::ZEL_ISA {
 template <typename BitsAt>
 ZEL_INLINE void gatherFrom(ptrdiff_t first, ptrdiff_t positions, int len, const BitsAt& bitsAt,
                            kernels::Gathered* result) {
-    result->begin = result->blocks = 0;
+    using kernels::Gathered;
+    result->begin = result->count = 0;
     result->scanned = len;
     ptrdiff_t at = first;
     uint64_t bits = 0;
@@ -31,11 +32,22 @@ ZEL_INLINE void gatherFrom(ptrdiff_t first, ptrdiff_t positions, int len, const 
     }
     if (at >= positions) return;
     result->begin = static_cast<int>(at);
-    result->bits[0] = bits;
-    int blocks = 1;
-    for (at += kMaskBits; at < positions && blocks < kernels::Gathered::kBlocks; at += kMaskBits)
-        result->bits[blocks++] = bitsAt(at, positions - at);
-    result->blocks = blocks;
+    Zel16u* out = result->offsets;
+    for (int block = 0;;) {
+        // Mostly there are a few: these are written without asking how many.
+        constexpr int kFew = 4;
+        static_assert(kFew <= Gathered::kSpare);
+        Zel16u* const behind = out + __builtin_popcountll(bits);
+        do {
+            for (int i = 0; i < kFew; ++i, bits &= bits - 1)
+                *out++ = static_cast<Zel16u>(kMaskBits * block + countTrailingZeros(bits));
+        } while (out < behind);
+        out = behind;
+        at += kMaskBits;
+        if (++block == Gathered::kBlocks || at >= positions) break;
+        bits = bitsAt(at, positions - at);
+    }
+    result->count = static_cast<int>(out - result->offsets);
     if (at < positions) result->scanned = static_cast<int>(at);
 }
 
@@ -128,24 +140,38 @@ ZEL_INLINE void gatherDoubledIn(const Zel8u* p, int len, const uint64_t* set,
 
 #if defined(ZEL_ISA_AVX512)
 
-/// The literals that the low 7 bits of a byte allow.
+/// The literals that the low 7 bits of a byte allow; before that, to pass over text quickly, those
+/// that its low 6 bits allow, which are one instruction to look up.
 struct PrefixProbe {
     static constexpr int kLanes = 64;
-    __m512i low[kernels::PrefixTables::kMaxDepth];
-    __m512i high[kernels::PrefixTables::kMaxDepth];
-    bool isExact = true;
+    static constexpr int kDepths = kernels::PrefixTables::kMaxDepth;
+    __m512i low[kDepths];
+    __m512i high[kDepths];
+    __m512i folded[kDepths];
+    bool isExact;
 
     ZEL_INLINE explicit PrefixProbe(const kernels::PrefixTables& prefix) {
         __m512i wide = _mm512_setzero_si512();
-        for (int i = 0; i < kernels::PrefixTables::kMaxDepth; ++i) {
+        for (int i = 0; i < kDepths; ++i) {
             const auto quarter = [&prefix, i](int at) {
                 return _mm512_loadu_si512(prefix.tables[i] + 64 * at);
             };
             low[i] = _mm512_or_si512(quarter(0), quarter(2));
             high[i] = _mm512_or_si512(quarter(1), quarter(3));
+            folded[i] = _mm512_or_si512(low[i], high[i]);
             wide = _mm512_or_si512(wide, _mm512_or_si512(quarter(2), quarter(3)));
         }
         isExact = _mm512_test_epi8_mask(wide, wide) == 0;
+    }
+    /// Whether there may be starts among the 64 positions at p.
+    template <int kDepth>
+    ZEL_INLINE bool mayHaveStarts(const Zel8u* p) const {
+        __m512i found = _mm512_permutexvar_epi8(Vec<Zel8u>::load(p).v, folded[0]);
+        for (int i = 1; i < kDepth; ++i) {
+            const __m512i next = _mm512_permutexvar_epi8(Vec<Zel8u>::load(p + i).v, folded[i]);
+            found = _mm512_and_si512(found, next);
+        }
+        return _mm512_test_epi8_mask(found, found) != 0;
     }
     /// The starts among the first n positions at p; exactly those, if the tables have nothing for
     /// bytes from 0x80 on.
@@ -183,6 +209,10 @@ struct PrefixProbe {
         }
     }
     template <int kDepth>
+    ZEL_INLINE bool mayHaveStarts(const Zel8u*) const {
+        return true;
+    }
+    template <int kDepth>
     ZEL_INLINE uint64_t starts(const Zel8u* p, int n) const {
         const __m256i half = _mm256_set1_epi8(0x0F);
         __m256i found = _mm256_set1_epi8(-1);
@@ -206,6 +236,10 @@ struct PrefixProbe {
     static constexpr bool isExact = false;
     explicit PrefixProbe(const kernels::PrefixTables&) {}
     template <int kDepth>
+    bool mayHaveStarts(const Zel8u*) const {
+        return true;
+    }
+    template <int kDepth>
     uint64_t starts(const Zel8u*, int) const {
         return 1;
     }
@@ -224,6 +258,7 @@ ZEL_INLINE void gatherPrefixOfDepth(const Zel8u* p, int len, const kernels::Pref
     };
     const auto bitsAt = [&](ptrdiff_t at, ptrdiff_t left) {
         uint64_t bits = 0;
+        if (left >= kMaskBits && !probe.template mayHaveStarts<kDepth>(p + at)) return bits;
         for (int lane = 0; lane < kMaskBits && lane < left; lane += PrefixProbe::kLanes) {
             const ptrdiff_t rest = left - lane;
             const int n = rest < PrefixProbe::kLanes ? static_cast<int>(rest) : PrefixProbe::kLanes;
