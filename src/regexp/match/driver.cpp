@@ -43,8 +43,7 @@ int findLastIgnoringCase(const Zel8u* text, int length, const Zel8u* literal, in
 
 /// Length of the text up to the end of the last occurrence of the pattern's trailing literal: no
 /// match can end behind it. 0 when it does not occur.
-int narrowedLength(const Zel8u* text, int length, const ZelRegExpState& state) {
-    if (state.trailingLiteral < 0) return length;
+int lengthToTrailingLiteral(const Zel8u* text, int length, const ZelRegExpState& state) {
     const Node& node = state.nodes()[state.trailingLiteral];
     const Zel8u letter = static_cast<Zel8u>(node.value);
     const bool isString = node.kind == NodeString;
@@ -59,6 +58,10 @@ int narrowedLength(const Zel8u* text, int length, const ZelRegExpState& state) {
         zelsFindRevC_8u(text, length, letter, &position);
     }
     return position < 0 ? 0 : position + literalLength;
+}
+
+int narrowedLength(const Zel8u* text, int length, const ZelRegExpState& state) {
+    return state.trailingLiteral < 0 ? length : lengthToTrailingLiteral(text, length, state);
 }
 
 /// The first top-level bar from node `from` on, or the number of nodes.
@@ -353,11 +356,29 @@ ZelStatus findAll(Search& search, const Zel8u* text, int numCaptures, bool whole
     return search.outOfBudget() ? zelStatusRegExpMatchLimitError : zelStatusOk;
 }
 
-}  // namespace
+/// The whole search, by the engine. Not inlined, because its frame is large.
+[[gnu::noinline]] ZelStatus searchThrough(const WorkAreas& work, const Zel8u* text, int length,
+                                          const ZelRegExpState& state, ZelRegExpFind* pResult,
+                                          int* pNumFind, bool wholeMatchToo) {
+    const int capacity = *pNumFind;
+    for (const Pay pay : {Pay::kUpperBound, Pay::kExactly}) {
+        Search search(work, text, length, state, pay);
+        *pNumFind = capacity;
+        const ZelStatus status =
+            (state.options & kOptionGlobal) != 0
+                ? findAll(search, text, state.groupCount, wholeMatchToo, pResult, pNumFind)
+                : findFirst(search, text, state.groupCount, pResult, pNumFind);
+        if (!search.endedTooEarly()) return status;
+    }
+    return zelStatusRegExpMatchLimitError;
+}
 
-ZelStatus searchWith(const WorkAreas& work, const Zel8u* pSrc, int srcLen,
-                     const ZelRegExpState* pRegExpState, ZelRegExpFind* pResult, int* pNumFind,
-                     int wholeMatchToo, const TextPairs* pairs) {
+/// The checks, and the short ways to a result. Inlined, because on short texts a call counts.
+[[gnu::always_inline]] inline ZelStatus searchShortly(const WorkAreas& work, const Zel8u* pSrc,
+                                                      int srcLen,
+                                                      const ZelRegExpState* pRegExpState,
+                                                      ZelRegExpFind* pResult, int* pNumFind,
+                                                      int wholeMatchToo, const TextPairs* pairs) {
     if (anyNull(pSrc, pRegExpState, pResult)) return zelStatusNullPointer;
     if (anyNegative(srcLen)) return zelStatusLengthError;
     if (*pNumFind < 1) return zelStatusSizeError;
@@ -368,37 +389,35 @@ ZelStatus searchWith(const WorkAreas& work, const Zel8u* pSrc, int srcLen,
     }
 
     const int length = narrowedLength(pSrc, srcLen, *pRegExpState);
-    const int numCaptures = pRegExpState->groupCount;
-    const int capacity = *pNumFind;
     if (beginsAtStart(*pRegExpState) && (pRegExpState->options & kOptionGlobal) == 0) {
-        const LightOutcome outcome = walkLightly(*pRegExpState, pSrc, length, work);
-        if (outcome == LightOutcome::kMatched) {
-            *pNumFind = capacity < numCaptures ? capacity : numCaptures;
-            copyRecords(work.captures, *pNumFind, pResult);
-            return zelStatusOk;
-        }
-        if (outcome == LightOutcome::kFailed) {
-            *pNumFind = 0;
-            return zelStatusOk;
+        switch (walkLightly(*pRegExpState, pSrc, length, work)) {
+            case LightOutcome::kMatched:
+                if (*pNumFind > pRegExpState->groupCount) *pNumFind = pRegExpState->groupCount;
+                copyRecords(work.captures, *pNumFind, pResult);
+                return zelStatusOk;
+            case LightOutcome::kFailed:
+                *pNumFind = 0;
+                return zelStatusOk;
+            case LightOutcome::kNotKnown:
+                break;
         }
     }
-    for (const Pay pay : {Pay::kUpperBound, Pay::kExactly}) {
-        Search search(work, pSrc, length, *pRegExpState, pay);
-        *pNumFind = capacity;
-        const ZelStatus status =
-            (pRegExpState->options & kOptionGlobal) != 0
-                ? findAll(search, pSrc, numCaptures, wholeMatchToo != 0, pResult, pNumFind)
-                : findFirst(search, pSrc, numCaptures, pResult, pNumFind);
-        if (!search.endedTooEarly()) return status;
-    }
-    return zelStatusRegExpMatchLimitError;
+    return searchThrough(work, pSrc, length, *pRegExpState, pResult, pNumFind, wholeMatchToo != 0);
+}
+
+}  // namespace
+
+ZelStatus searchWith(const WorkAreas& work, const Zel8u* pSrc, int srcLen,
+                     const ZelRegExpState* pRegExpState, ZelRegExpFind* pResult, int* pNumFind,
+                     int wholeMatchToo, const TextPairs* pairs) {
+    return searchShortly(work, pSrc, srcLen, pRegExpState, pResult, pNumFind, wholeMatchToo, pairs);
 }
 
 ZelStatus ownsRegExpFind_8u(const Zel8u* pSrc, int srcLen, ZelRegExpState* pRegExpState,
                             ZelRegExpFind* pResult, int* pNumFind, int wholeMatchToo) {
     if (pRegExpState == nullptr) return zelStatusNullPointer;
-    const WorkAreas work = {pRegExpState->groups, pRegExpState->captures};
-    return searchWith(work, pSrc, srcLen, pRegExpState, pResult, pNumFind, wholeMatchToo);
+    return searchShortly({pRegExpState->groups, pRegExpState->captures}, pSrc, srcLen, pRegExpState,
+                         pResult, pNumFind, wholeMatchToo, nullptr);
 }
 
 }  // namespace zel

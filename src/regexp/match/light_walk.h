@@ -26,6 +26,6 @@ inline bool beginsAtStart(const ZelRegExpState& state) {
 /// Searches with a pattern that begins at the start. On a match all capture records have been
 /// written. An outcome that is known is that of the whole search, within the budget.
 LightOutcome walkLightly(const ZelRegExpState& state, const Zel8u* text, int length,
-                         const WorkAreas& work);
+                         WorkAreas work);
 
 }  // namespace zel
