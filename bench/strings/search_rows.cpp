@@ -36,7 +36,7 @@ constexpr Set kSets[] = {
     {"2 members", u"#%"},
     {"4 members", u"#%\r\n"},
     {"16 members", u"#%\r\n!\"$&'()*+,-."},
-    {"63 members", u"0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ!\"#$%&'()*+,-./:;<=>?@[]^_{}\r"},
+    {"63 members", u"0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ!\"#$%&'()*+,-./:;<=>?@[]^_\r"},
 };
 constexpr Set kManyScripts = {
     "63 members, many scripts",

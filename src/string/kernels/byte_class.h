@@ -150,25 +150,6 @@ private:
     }
 };
 
-/// Nine to sixteen members: two classes of eight.
-struct TwoHalvesClasses {
-    static constexpr int kLanes = 64;
-    HalvesClass a;
-    HalvesClass b;
-
-    ZEL_INLINE static TwoHalvesClasses of(const Zel8u* p, int n) {
-        return {HalvesClass::of(p, n), HalvesClass::of(p + 8, n - 8)};
-    }
-    ZEL_INLINE NonZeroHits hits(const Zel8u* p) const {
-        const Vec<Zel8u> text = Vec<Zel8u>::load(p);
-        return a.hits(text) | b.hits(text);
-    }
-    ZEL_INLINE Mask<Zel8u> maskFirst(const Zel8u* p, int n) const {
-        const Vec<Zel8u> text = Vec<Zel8u>::loadFirst(p, n);
-        return (a.hits(text) | b.hits(text)).mask();
-    }
-};
-
 #elif defined(ZEL_ISA_AVX2)
 
 struct ByteClass {
@@ -247,11 +228,85 @@ struct ByteClass {
 
 /// The class of the low bytes of the n elements at p.
 template <typename T>
-ZEL_INLINE ByteClass byteClassOf(const T* p, ptrdiff_t n) {
+ZEL_INLINE ByteClass byteClassByTable(const T* p, ptrdiff_t n) {
     alignas(64) Zel8u table[256] = {};
     for (ptrdiff_t i = 0; i < n; ++i) table[p[i] & 0xFF] = 0x80;
     return ByteClass::fromTable(table);
 }
+
+#if defined(ZEL_ISA_AVX512)
+
+/// The low bytes of eight elements, each as a quadword.
+ZEL_INLINE __m512i quadwordsAt(const Zel8u* p) {
+    return _mm512_cvtepu8_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
+}
+ZEL_INLINE __m512i quadwordsAt(const Zel16u* p) {
+    const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    return _mm512_cvtepu16_epi64(_mm_and_si128(units, _mm_set1_epi16(0xFF)));
+}
+
+/// Two words of the set of the low bytes of the n elements at p, at least 8: `first` is the byte
+/// that the lowest bit stands for. Eight elements at a time are one bit each, shifted to their
+/// places; a shift by 64 or more, as which a byte below comes out too, leaves nothing.
+template <typename T>
+ZEL_INLINE __m128i twoWordsOfSet(const T* p, ptrdiff_t n, int first, __m512i& seen) {
+    const __m512i one = _mm512_set1_epi64(1);
+    const __m512i low = _mm512_set1_epi64(first);
+    const __m512i high = _mm512_set1_epi64(first + 64);
+    __m512i lowWord = _mm512_setzero_si512();
+    __m512i highWord = lowWord;
+    const auto add = [&](const T* eight) __attribute__((always_inline)) {
+        const __m512i bytes = quadwordsAt(eight);
+        const __m512i inLow = _mm512_sllv_epi64(one, _mm512_sub_epi64(bytes, low));
+        const __m512i inHigh = _mm512_sllv_epi64(one, _mm512_sub_epi64(bytes, high));
+        seen = _mm512_or_si512(seen, bytes);
+        lowWord = _mm512_or_si512(lowWord, inLow);
+        highWord = _mm512_or_si512(highWord, inHigh);
+    };
+#pragma GCC unroll 1
+    for (ptrdiff_t i = 0; i < n - 8; i += 8) add(p + i);
+    add(p + n - 8);
+    const __m512i pairs = _mm512_or_si512(_mm512_unpacklo_epi64(lowWord, highWord),
+                                          _mm512_unpackhi_epi64(lowWord, highWord));
+    const __m256i half =
+        _mm256_or_si256(_mm512_castsi512_si256(pairs), _mm512_extracti64x4_epi64(pairs, 1));
+    return _mm_or_si128(_mm256_castsi256_si128(half), _mm256_extracti128_si256(half, 1));
+}
+
+/// The class of the low bytes of the n elements at p, at least 8, made without memory.
+template <typename T>
+ZEL_INLINE ByteClass byteClassByShifts(const T* p, ptrdiff_t n) {
+    const auto lower = [](__m128i words) {
+        return static_cast<uint64_t>(_mm_cvtsi128_si64(words));
+    };
+    const auto upper = [](__m128i words) {
+        return static_cast<uint64_t>(_mm_extract_epi64(words, 1));
+    };
+    __m512i seen = _mm512_setzero_si512();
+    const __m128i ascii = twoWordsOfSet(p, n, 0, seen);
+    uint64_t words[4] = {lower(ascii), upper(ascii), 0, 0};
+    if (_mm512_test_epi64_mask(seen, _mm512_set1_epi64(0x80)) != 0) {
+        const __m128i others = twoWordsOfSet(p, n, 128, seen);
+        words[2] = lower(others);
+        words[3] = upper(others);
+    }
+    return ByteClass::fromWords(words);
+}
+
+/// The class of the low bytes of the n elements at p.
+template <typename T>
+ZEL_INLINE ByteClass byteClassOf(const T* p, ptrdiff_t n) {
+    return n >= 8 ? byteClassByShifts(p, n) : byteClassByTable(p, n);
+}
+
+#else
+
+template <typename T>
+ZEL_INLINE ByteClass byteClassOf(const T* p, ptrdiff_t n) {
+    return byteClassByTable(p, n);
+}
+
+#endif
 
 /// The bytes that are not in a class.
 struct NotInClass {

@@ -118,11 +118,9 @@ template <From from>
 ZEL_INLINE int findMember(const Zel8u* src, int len, const Zel8u* set, int lenSet) {
     constexpr int kSmallSet = 24;    // a larger one is unlikely to have a slot for everyone
     constexpr int kShortText = 512;  // a longer one pays for a table
-    if (lenSet <= 16 && len <= kShortText) {
-        return lenSet <= 8 ? findHit<from>(src, len, HalvesClass::of(set, lenSet))
-                           : findHit<from>(src, len, TwoHalvesClasses::of(set, lenSet));
-    }
-    if (lenSet <= kSmallSet) {
+    if (lenSet <= 8 && len <= kShortText)
+        return findHit<from>(src, len, HalvesClass::of(set, lenSet));
+    if (lenSet <= kSmallSet && len > kShortText) {
         const SlotClass slots = SlotClass::of(set, lenSet);
         if (slots.isExact) return findHit<from>(src, len, slots);
     }
@@ -192,6 +190,10 @@ template <From from, typename T>
             return findHit<from>(src, len, EqualsAnyOf<T, 2>::of(set));
         case 3:
             return findHit<from>(src, len, EqualsAnyOf<T, 3>::of(set));
+        case 4:
+            // Bytes have a class that takes no longer.
+            if constexpr (sizeof(T) > 1) return findHit<from>(src, len, EqualsAnyOf<T, 4>::of(set));
+            [[fallthrough]];
         default:
             return findMember<from>(src, len, set, lenSet);
     }

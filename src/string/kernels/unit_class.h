@@ -62,13 +62,18 @@ struct RowClass : PairTest<RowClass> {
 
     /// Whether the set at p is of this kind.
     static bool fits(const Zel16u* p, ptrdiff_t n) {
-        unsigned otherRows = 0;
-        bool hasEnd = false;
-        for (ptrdiff_t i = 0; i < n; ++i) {
-            otherRows |= static_cast<unsigned>(p[i] ^ p[0]) >> 8;
-            hasEnd |= (p[i] & 0xFF) == 0 || (p[i] & 0xFF) == 0xFF;
+        const V first = V::splat(p[0]);
+        for (ptrdiff_t i = 0; i < n; i += V::kLanes) {
+            const auto left = static_cast<int>(n - i < V::kLanes ? n - i : V::kLanes);
+            const V units = V::loadFirst(p + i, left);
+            const V otherRow = (units ^ first) & V::splat(0xFF00);
+            const V low = units & V::splat(0xFF);
+            const Mask<Zel16u> outside = ~equal(otherRow, V::zero()).mask() |
+                                         equal(low, V::zero()).mask() |
+                                         equal(low, V::splat(0xFF)).mask();
+            if ((outside & Mask<Zel16u>::firstN(left)).any()) return false;
         }
-        return otherRows == 0 && !hasEnd;
+        return true;
     }
     ZEL_INLINE static RowClass of(const Zel16u* p, ptrdiff_t n) {
         RowClass result;
