@@ -10,6 +10,7 @@
 
 #include "random.h"
 #include "regexp/match/one_way.h"
+#include "regexp/match/plain_literal.h"
 #include "regexp/match/plan.h"
 #include "regexp_case.h"
 #include "report.h"
@@ -269,6 +270,43 @@ TEST(Plan, SearchesAgreeWithTheModelOnLongTexts) {
         }
         for (const PlannedPattern& planned : kPlannedLines) {
             compareOnTexts(planned.pattern, planned.options, kTexts);
+        }
+    });
+}
+
+// Nothing but a literal; the last ones begin inside of a character, or are more than that.
+struct PlainLiteralCase {
+    const char* pattern;
+    const char* options;
+    int format;
+    bool isRead;
+};
+const PlainLiteralCase kPlainLiterals[] = {
+    {"signal", "", zel::kFormatBytes, true},   {"Signal", "i", zel::kFormatUtf8, true},
+    {"error", "i", zel::kFormatBytes, true},   {"b", "", zel::kFormatUtf8, true},
+    {"B", "i", zel::kFormatBytes, true},       {"xx", "", zel::kFormatBytes, true},
+    {"ERROR", "", zel::kFormatBytes, true},    {"\xC3\xA9t", "", zel::kFormatUtf8, true},
+    {"\xA9t", "", zel::kFormatBytes, true},    {"\xC3", "", zel::kFormatUtf8, true},
+    {"\xA9t", "", zel::kFormatUtf8, false},    {"(signal)", "", zel::kFormatBytes, false},
+    {"signals?", "", zel::kFormatUtf8, false},
+};
+
+TEST(PlainLiteral, IsReadWhereThePatternIsNothingElse) {
+    for (const PlainLiteralCase& plain : kPlainLiterals) {
+        ZelRegExpState* state = nullptr;
+        int offset = 0;
+        ASSERT_EQ(zelsRegExpInitAlloc(plain.pattern, plain.options, &state, &offset), zelStatusOk);
+        zelsRegExpSetFormat(plain.format, state);
+        zel::PlainLiteral literal;
+        EXPECT_EQ(literal.read(*state), plain.isRead) << plain.pattern;
+        zelsRegExpFree(state);
+    }
+}
+
+TEST(PlainLiteral, SearchesAgreeWithTheModel) {
+    onDeepStack([] {
+        for (const PlainLiteralCase& plain : kPlainLiterals) {
+            compareOnTexts(plain.pattern, plain.options, kTexts);
         }
     });
 }

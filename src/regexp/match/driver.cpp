@@ -16,6 +16,7 @@
 #include "regexp/match/first_letter.h"
 #include "regexp/match/light_walk.h"
 #include "regexp/match/one_way.h"
+#include "regexp/match/plain_literal.h"
 #include "regexp/match/plan.h"
 #include "regexp/match/predicates.h"
 #include "regexp/match/required.h"
@@ -160,12 +161,22 @@ public:
         ByteSet bytes;
         if (pay_ != Pay::kUpperBound) return false;
         if (!isPlainRun(state_, context_.stack, bytes))
-            return collectSequences(start, results, capacity, written);
+            return collectLiterals(start, results, capacity, written) ||
+                   collectSequences(start, results, capacity, written);
         // Each byte outside the runs, each run and the end of the text cost a step.
         const int length = static_cast<int>(context_.textEnd - start);
         if (context_.steps <= length) return false;
         int end = 0;
         *written = kernels::collectRunsOf(start, length, bytes.words, results, capacity, &end);
+        return true;
+    }
+
+    /// The same for a pattern that is a literal.
+    bool collectLiterals(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
+        const ptrdiff_t length = context_.textEnd - start;
+        PlainLiteral literal;
+        if (context_.steps <= length || !literal.read(state_)) return false;
+        *written = literal.collect(start, context_.textEnd, results, capacity);
         return true;
     }
 
@@ -256,7 +267,7 @@ private:
     /// One attempt, without the engine where the pattern allows it.
     bool attemptOneWay(const Zel8u* position) {
         if (plan_.kind != Plan::kNone && ++candidates_ == kCandidatesBeforeOneWay)
-            makeOneWay(state_, context_.stack, oneWay_);
+            plan_.triesAreCheap = makeOneWay(state_, context_.stack, oneWay_);
         if (oneWay_.isKnown()) {
             const OneWay::Outcome outcome = oneWay_.tryAt(position, context_);
             guessed_ = true;

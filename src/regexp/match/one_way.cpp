@@ -125,6 +125,18 @@ private:
     const Zel8u* runEnd(const Part& part) const {
         const Zel8u* stop = part.max < left() ? position + part.max : end_;
         const Zel8u* run = position;
+        const Zel8u* out = part.excluded;
+        const int length = static_cast<int>(stop - run);
+        switch (part.excludedCount) {
+            case 1:
+                return run + kernels::findByte(run, length, out[0]);
+            case 2:
+                return run + kernels::findByte2(run, length, out[0], out[1]);
+            case 3:
+                return run + kernels::findByte3(run, length, out[0], out[1], out[2]);
+            default:
+                break;
+        }
         if (!part.isLong) {
             constexpr ptrdiff_t kShortRun = 16;
             const Zel8u* near = stop - run > kShortRun ? run + kShortRun : stop;

@@ -33,11 +33,13 @@ struct OneWay {
             kEnd,        // of the alternative
         };
         Kind kind;
-        bool isFinal;      // when the rest fails, no other length of the run helps
-        bool isNegative;   // of the text that must not be there
-        bool stopsAtWide;  // longer characters are not looked into
-        bool mindsWide;    // a longer character behind the run changes how it gives back
-        bool isLong;       // runs tend to be longer than words
+        bool isFinal;         // when the rest fails, no other length of the run helps
+        bool isNegative;      // of the text that must not be there
+        bool stopsAtWide;     // longer characters are not looked into
+        bool mindsWide;       // a longer character behind the run changes how it gives back
+        bool isLong;          // runs tend to be longer than words
+        Zel8u excludedCount;  // how many bytes are not in the set; 0 when more than three
+        Zel8u excluded[3];
         Zel32u flags;
         int min;
         int max;
@@ -74,7 +76,7 @@ private:
     class Attempt;
 };
 
-/// Describes the pattern, if it is one that can match in one way only.
-void makeOneWay(const ZelRegExpState& state, StackGuard& stack, OneWay& oneWay);
+/// Describes the pattern, if it is one that can match in one way only; false when it is not.
+bool makeOneWay(const ZelRegExpState& state, StackGuard& stack, OneWay& oneWay);
 
 }  // namespace zel

@@ -18,6 +18,19 @@ bool hasWide(const ByteSet& bytes) {
     return (bytes.words[2] | bytes.words[3]) != 0;
 }
 
+void findExcluded(OneWay::Part& part) {
+    const int members = sizeOf(part.set);
+    part.isLong = members > 128;
+    part.excludedCount = 0;
+    if (members == 256 || members < 256 - static_cast<int>(sizeof part.excluded)) return;
+    for (int w = 0; w < 4; ++w) {
+        for (uint64_t others = ~part.set.words[w]; others != 0; others &= others - 1) {
+            part.excluded[part.excludedCount++] =
+                static_cast<Zel8u>(64 * w + __builtin_ctzll(others));
+        }
+    }
+}
+
 }  // namespace
 
 /// The bytes of an atom, and what longer characters mean for it. `mayBeWide`: it is a run in which
@@ -81,7 +94,7 @@ int Planner::describeRun(int index, Zel32u flags, OneWay& oneWay, OneWay::Part& 
     const bool isKnown = begin(next, flags, rest);
     part.isFinal = isKnown && disjoint(part.set, rest.bytes);
     if (isKnown && rest.price > oneWay.price) oneWay.price = rest.price;
-    part.isLong = sizeOf(part.set) > 128;
+    findExcluded(part);
     part.kind = OneWay::Part::kRun;
     const bool isLazy = repeat != nullptr && repeat->kind == NodeQuantifierMin;
     if (!isLazy && (part.isFinal || part.min == part.max)) return next - index;
@@ -234,8 +247,9 @@ bool Planner::describe(Zel32u flags, OneWay& oneWay) {
     return true;
 }
 
-void makeOneWay(const ZelRegExpState& state, StackGuard& stack, OneWay& oneWay) {
+bool makeOneWay(const ZelRegExpState& state, StackGuard& stack, OneWay& oneWay) {
     if (!Planner(state, stack).describe(state.options, oneWay)) oneWay.count = 0;
+    return oneWay.isKnown();
 }
 
 }  // namespace zel

@@ -41,10 +41,11 @@ struct Plan {
     ByteSet behind;
     ByteSet second;  // a run of other bytes between the first run and `literal`
     bool hasSecond;
-    bool wordStart;   // the run begins where a word begins
-    bool echoes;      // behind the run and one more byte stands the run's first byte again
-    bool avoidsWide;  // a run in front of a longer character has to be tried
-    int min;          // length of the run
+    bool wordStart;      // the run begins where a word begins
+    bool echoes;         // behind the run and one more byte stands the run's first byte again
+    bool avoidsWide;     // a run in front of a longer character has to be tried
+    bool triesAreCheap;  // no dearer than a look at more than the first byte
+    int min;             // length of the run
     int max;
     const Zel8u* literal;
     int literalLength;

@@ -22,7 +22,8 @@ const Zel8u* runStart(const Zel8u* from, const Zel8u* end, const ByteSet& bytes)
 
 void Plan::clear() {
     kind = kNone;
-    lines = exact = ignoreCase = avoidsWide = hasSecond = wordStart = echoes = false;
+    lines = exact = ignoreCase = avoidsWide = triesAreCheap = hasSecond = wordStart = echoes =
+        false;
     price = runPrice = literalLength = alternatives = byteCount = 0;
     min = max = 1;
     places_.clear();
@@ -78,7 +79,7 @@ const Zel8u* Plan::next(const Zel8u* from, const Zel8u* start, const Zel8u* end)
 /// Whether the plan has nothing against a position.
 bool Plan::acceptsAt(const Zel8u* position, const Zel8u* end) const {
     if (position == end) return true;
-    if (kind != kRun) return first.has(*position);
+    if (kind != kRun || triesAreCheap) return first.has(*position);
     const Zel8u* stop = end - position > max ? position + max : end;
     const Zel8u* run = position;
     while (run < stop && first.has(*run)) ++run;
@@ -131,7 +132,9 @@ const Zel8u* Plan::nextRun(const Zel8u* from, const Zel8u* start, const Zel8u* e
         const Zel8u* last = places_.next(position, end, gather);
         if (last == end) break;
         const Zel8u* earliest = last + 1 - from > max ? last + 1 - max : from;
-        const Zel8u* begin = runStart(earliest, last + 1, first);
+        // A run of a fixed length is left to the attempt to look at.
+        const bool isFixed = min == max && last + 1 - from >= min;
+        const Zel8u* begin = isFixed ? last + 1 - min : runStart(earliest, last + 1, first);
         const bool inWord = wordStart && begin > start && kWordBytes.has(begin[-1]);
         const bool silent = echoes && last[1] < 0x80 && (end - last <= 2 || last[2] != *begin);
         if (last + 1 - begin >= min && !inWord && !silent) return begin;
