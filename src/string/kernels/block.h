@@ -24,12 +24,20 @@ ZEL_INLINE void storeHalf(Zel8u* p, __m256i half) {
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), half);
 }
 
+/// Bytes that moveShortest can take.
+inline constexpr ptrdiff_t kShortestBlock = 32;
+
+/// Moves n bytes, at most kShortestBlock.
+ZEL_INLINE void moveShortest(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+    const auto lanes = static_cast<__mmask32>(lowBits(static_cast<int>(n)));
+    _mm256_mask_storeu_epi8(dst, lanes, _mm256_maskz_loadu_epi8(lanes, src));
+}
+
 /// Moves n bytes, at most two vectors. By halves: a store that crosses the end of a cache line
 /// takes two, a narrow one seldom does, and two narrow ones go at once.
 ZEL_INLINE void moveUpToTwo(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
-    if (n <= 32) {
-        const auto lanes = static_cast<__mmask32>(lowBits(static_cast<int>(n)));
-        _mm256_mask_storeu_epi8(dst, lanes, _mm256_maskz_loadu_epi8(lanes, src));
+    if (n <= kShortestBlock) {
+        moveShortest(src, dst, n);
         return;
     }
     const __m256i first = loadHalf(src);
@@ -46,11 +54,18 @@ ZEL_INLINE void moveUpToTwo(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
 
 #else
 
+inline constexpr ptrdiff_t kShortestBlock = Vec<Zel8u>::kBytes;
+
+ZEL_INLINE void moveShortest(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+    using V = Vec<Zel8u>;
+    V::loadFirst(src, static_cast<int>(n)).storeFirst(dst, static_cast<int>(n));
+}
+
 /// Moves n bytes, at most two vectors.
 ZEL_INLINE void moveUpToTwo(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
     using V = Vec<Zel8u>;
-    if (n <= V::kBytes) {
-        V::loadFirst(src, static_cast<int>(n)).storeFirst(dst, static_cast<int>(n));
+    if (n <= kShortestBlock) {
+        moveShortest(src, dst, n);
         return;
     }
     const V first = V::load(src);
@@ -173,9 +188,11 @@ ZEL_INLINE void copyForward(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
     // A negative n is a large number here.
     if (distance < static_cast<size_t>(n)) [[unlikely]] {
         if (n > 0 && distance != 0) repeatBytes(src, dst, n);
-        return;
+    } else if (n <= kShortestBlock) [[likely]] {
+        moveShortest(src, dst, n);
+    } else {
+        moveRange(src, dst, n);
     }
-    moveRange(src, dst, n);
 }
 
 /// Clears n bytes.

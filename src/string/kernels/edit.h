@@ -103,27 +103,25 @@ ZEL_INLINE T* joinElements(Vec<T> delims, T delim, const T* piece, int len, T* d
     return dst + 1 + len;
 }
 
-/// The delimiters of a text, one after the other: the mask of the vector that is being walked, and
-/// where that vector begins.
+/// The delimiters of a text, one after the other: the places of those in the 64 lanes' bits that
+/// are being walked, and where their block begins.
 template <typename T>
 class Delimiters {
 public:
-    using V = Vec<T>;
-
     ZEL_INLINE Delimiters(const T* src, int len, T delim)
         : src_(src), len_(len), delim_(EqualsAnyOf<T, 1>::of(&delim)), base_(0) {
-        mask_ = maskAt(0);
+        places_ = placesAt(0);
     }
 
     /// Position of the next one, or the length when there is none.
     ZEL_INLINE int next() {
-        if (!mask_.any()) [[unlikely]] {
-            base_ += V::kLanes;
+        if (places_ == 0) [[unlikely]] {
+            base_ += kBlock;
             if (base_ >= len_) return len_;
-            mask_ = maskAt(base_);
-            if (!mask_.any()) {
+            places_ = placesAt(base_);
+            if (places_ == 0) {
                 // Tokens are long here: search for the next one, and walk on from it.
-                base_ += V::kLanes;
+                base_ += kBlock;
                 if (base_ >= len_) return len_;
                 const int found = firstHit(src_ + base_, static_cast<int>(len_ - base_), delim_);
                 if (found == kNotFound) {
@@ -131,27 +129,46 @@ public:
                     return len_;
                 }
                 base_ += found;
-                mask_ = maskAt(base_);
+                places_ = placesAt(base_);
             }
         }
-        const int at = static_cast<int>(base_) + mask_.first();
-        mask_ = mask_.withoutFirst();
+        const int at = static_cast<int>(base_) + countTrailingZeros(places_) / Mask<T>::kStep;
+        places_ &= places_ - 1;
         return at;
     }
 
 private:
-    ZEL_INLINE Mask<T> maskAt(ptrdiff_t at) const {
+    // The vectors whose lanes fill a word.
+    static constexpr int kLanes = Vec<T>::kLanes;
+    static constexpr int kVectors = 64 / (kLanes * Mask<T>::kStep);
+    static constexpr ptrdiff_t kBlock = kVectors * kLanes;
+
+    ZEL_INLINE uint64_t placesAt(ptrdiff_t at) const {
+        const T* const block = src_ + at;
         const ptrdiff_t left = len_ - at;
-        if (left >= V::kLanes) return Mask<T>{equalBits(V::load(src_ + at), delim_.values[0])};
-        const int n = static_cast<int>(left);
-        return delim_.maskFirst(src_ + at, n) & Mask<T>::firstN(n);
+        uint64_t places = 0;
+        if (left >= kBlock) {
+            for (int i = 0; i < kVectors; ++i) {
+                const uint64_t found =
+                    equalBits(Vec<T>::load(block + i * kLanes), delim_.values[0]);
+                places |= found << (i * kLanes * Mask<T>::kStep);
+            }
+            return places;
+        }
+        for (int i = 0; i * kLanes < left; ++i) {
+            const ptrdiff_t rest = left - i * kLanes;
+            const int n = static_cast<int>(rest < kLanes ? rest : kLanes);
+            const Mask<T> found = delim_.maskFirst(block + i * kLanes, n) & Mask<T>::firstN(n);
+            places |= found.bits << (i * kLanes * Mask<T>::kStep);
+        }
+        return places;
     }
 
     const T* src_;
     int len_;
     EqualsAnyOf<T, 1> delim_;
     ptrdiff_t base_;
-    Mask<T> mask_;
+    uint64_t places_;
 };
 
 /// Copies the tokens of src one by one into the slots. A slot is checked when its token is due.
