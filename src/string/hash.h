@@ -12,6 +12,7 @@
 // polynomial in 33. See LowBytes for the former.
 #pragma once
 
+#include "string/kernels/find_element.h"
 #include "string/kernels/prefix_xor.h"
 #include "string/kernels/words.h"
 #include "zelchmx.h"
@@ -109,6 +110,7 @@ public:
     template <int count>
     ZEL_INLINE void take(const Zel8u*& p, const Zel8u* end) {
         for (; end - p >= count * kLanes; p += count * kLanes) {
+            if (endsInPage(p, count * kLanes)) break;
             Vec<Zel8u> elements[count], after[count];
             Hits<Zel8u> zeros;
             for (int i = 0; i < count; ++i) {
@@ -132,6 +134,14 @@ public:
 
 private:
     static constexpr Zel32u kBase = 33;
+
+    /// Whether there is a zero in front of a page that the next n bytes reach into. A text may be
+    /// said to be longer than it is and end with a zero; what is behind it may not be there.
+    ZEL_INLINE static bool endsInPage(const Zel8u* p, int n) {
+        constexpr int kPage = 4096;
+        const int rest = kPage - static_cast<int>(reinterpret_cast<uintptr_t>(p) % kPage);
+        return rest < n && findElement(p, rest, Zel8u{0}) != kNotFound;
+    }
 
     LowBytes lowBytes_;
     Words h_;

@@ -172,6 +172,19 @@ TYPED_TEST(Hash, AllFamiliesAgreeWithTheirFormulaEverywhere) {
     }
 }
 
+TYPED_TEST(Hash, MSCS_NothingIsReadBehindTheZero) {
+    using T = TypeParam;
+    for (int len = 0; len <= 1200; ++len) {
+        auto text = this->random.template text<T>(len);
+        std::replace(text.begin(), text.end(), T(0), T(1));
+        text.push_back(0);
+        const Placed<T> src = this->arena.place(text, test::kBeforeGuard);
+        Zel32u h = 77;
+        ASSERT_EQ(Api<T>::mscs(src, INT_MAX, &h), zelStatusOk);
+        ASSERT_EQ(h, expectedMSCS(text)) << len;
+    }
+}
+
 TEST(HashWidths, BothWidthsGiveTheSameForTheSameValues) {
     Random random(23);
     for (int len = 0; len < 200; ++len) {

@@ -661,6 +661,49 @@ TEST(ConvertUtf, To8_SurrogatesAnywhereFollowTheRule) {
     }
 }
 
+// A source that is said to be endless, and ends in front of an inaccessible page where the room is
+// used up.
+TEST(ConvertUtf, To16_NothingIsReadBehindWhatTheRoomTakes) {
+    const Arena<Zel8u> srcArena(1 << 12);
+    Units dst(300);
+    for (const int value : {0x61, 0x416, 0x4E2D, 0x1F600}) {
+        const Bytes one = encode(value);
+        const int units = value > 0xFFFF ? 2 : 1;
+        for (int count = 1; count <= 150; ++count) {
+            Bytes text;
+            for (int i = 0; i < count; ++i) text.insert(text.end(), one.begin(), one.end());
+            const Placed<Zel8u> src = srcArena.place(text, test::kBeforeGuard);
+            int srcLen = INT_MAX, dstLen = count * units;
+            zelsConvertUTF_8u16u(src, &srcLen, dst.data(), &dstLen, 0);
+            ASSERT_EQ((Result{srcLen, dstLen}), (Result{src.len, count * units})) << value;
+        }
+    }
+}
+
+TEST(ConvertUtf, To8_NothingIsReadBehindWhatTheRoomTakes) {
+    const Arena<Zel16u> srcArena(1 << 12);
+    Bytes dst(600);
+    for (const int value : {0x61, 0x416, 0x4E2D, 0x1F600}) {
+        const int size = static_cast<int>(encode(value).size());
+        for (int count = 1; count <= 150; ++count) {
+            Units text;
+            for (int i = 0; i < count; ++i) {
+                if (value > 0xFFFF) text.push_back(0xD83D);
+                text.push_back(static_cast<Zel16u>(value > 0xFFFF ? 0xDE00 : value));
+            }
+            const Placed<Zel16u> src = srcArena.place(text, test::kBeforeGuard);
+            for (const int swap : {0, 1}) {
+                if (swap != 0) {
+                    for (int i = 0; i < src.len; ++i) src[i] = __builtin_bswap16(src[i]);
+                }
+                int srcLen = INT_MAX, dstLen = count * size;
+                zelsConvertUTF_16u8u(src, &srcLen, dst.data(), &dstLen, swap);
+                ASSERT_EQ((Result{srcLen, dstLen}), (Result{src.len, count * size})) << value;
+            }
+        }
+    }
+}
+
 TEST(ConvertUtf, LengthsNear31BitsDoNotOverflow) {
     const Zel8u src8[] = {0xC3, 0xA9, 0};
     const Zel16u src16[] = {0x00E9, 0};

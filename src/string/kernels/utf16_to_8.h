@@ -24,13 +24,14 @@ public:
 
     /// Answers where it ended.
     ZEL_INLINE To8 run() {
+        narrow();
         // The unit behind a block decides whether its last one begins a pair.
-        while (at_.remaining > kUnits && at_.room > 0) {
-            if (wasAscii_ && narrowTwo()) continue;
+        while (at_.room > 0 && at_.readable() > kUnits) {
+            if (wasAscii_ && narrow()) continue;
             const auto next = [this] { return _mm512_loadu_si512(at_.src + 1); };
             if (!convert(inOrder(_mm512_loadu_si512(at_.src)), next, kUnits)) return end();
         }
-        if (at_.remaining > 0 && at_.room > 0) {
+        if (at_.remaining > 0 && at_.remaining <= kUnits && at_.readable() == at_.remaining) {
             const int n = static_cast<int>(at_.remaining);
             const auto next = [this, n] { return Vec<Zel16u>::loadFirst(at_.src + 1, n - 1).v; };
             convert(inOrder(Vec<Zel16u>::loadFirst(at_.src, n).v), next, n);
@@ -62,17 +63,21 @@ private:
         return _mm512_test_epi16_mask(units, _mm512_set1_epi16(-0x80));
     }
 
-    /// Narrows two blocks, if they are ASCII.
-    ZEL_INLINE bool narrowTwo() {
-        if (at_.remaining < 2 * kUnits || at_.room < 2 * kUnits) return false;
-        const __m512i a = inOrder(_mm512_loadu_si512(at_.src));
-        const __m512i b = inOrder(_mm512_loadu_si512(at_.src + kUnits));
-        if (above7Bits(_mm512_or_si512(a, b)) != 0) return false;
+    /// Narrows two blocks at a time, while they are ASCII. Answers whether there were any.
+    ZEL_INLINE bool narrow() {
+        constexpr int kTwo = 2 * kUnits;
         // Packing takes eight units of each in turn.
         const __m512i order = _mm512_set_epi64(7, 5, 3, 1, 6, 4, 2, 0);
-        _mm512_storeu_si512(at_.dst, _mm512_permutexvar_epi64(order, _mm512_packus_epi16(a, b)));
-        at_.advance(2 * kUnits, 2 * kUnits);
-        return true;
+        const Zel16u* const start = at_.src;
+        while (at_.readable() >= kTwo && at_.room >= kTwo) {
+            const __m512i a = inOrder(_mm512_loadu_si512(at_.src));
+            const __m512i b = inOrder(_mm512_loadu_si512(at_.src + kUnits));
+            if (above7Bits(_mm512_or_si512(a, b)) != 0) break;
+            const __m512i packed = _mm512_packus_epi16(a, b);
+            _mm512_storeu_si512(at_.dst, _mm512_permutexvar_epi64(order, packed));
+            at_.advance(kTwo, kTwo);
+        }
+        return at_.src != start;
     }
 
     /// Converts the first n units, if there is room for their bytes. `next` loads the units one
@@ -180,7 +185,7 @@ private:
 
     To8 at_;
     uint32_t owed_ = 0;  // 1 when the next unit belongs to the last pair
-    bool wasAscii_ = true;
+    bool wasAscii_ = false;
 };
 
 /// Converts as much as there surely is room for and answers where it ended.
@@ -230,7 +235,7 @@ public:
 
     /// Answers where it ended.
     ZEL_INLINE To8 run() {
-        while (at_.remaining >= kUnits && at_.room >= kUnits) {
+        while (at_.readable() >= kUnits && at_.room >= kUnits) {
             const __m256i units = inOrder(Vec<Zel16u>::load(at_.src).v);
             const __m256i above7 = beyond(units, 0xFF80);
             if (bitsOf(above7) == 0)
@@ -343,7 +348,7 @@ ZEL_INLINE To8 convertBlocks(To8 at) {
         if constexpr (!swapBytes) return v;
         return _mm_or_si128(_mm_slli_epi16(v, 8), _mm_srli_epi16(v, 8));
     };
-    while (at.remaining >= 16 && at.room >= 16) {
+    while (at.readable() >= 16 && at.room >= 16) {
         const __m128i first = load(0), second = load(8);
         const __m128i above7 = _mm_and_si128(_mm_or_si128(first, second), _mm_set1_epi16(-0x80));
         if (_mm_movemask_epi8(_mm_cmpeq_epi16(above7, _mm_setzero_si128())) != 0xFFFF) break;

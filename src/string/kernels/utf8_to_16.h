@@ -45,7 +45,7 @@ public:
     /// Answers where it ended.
     ZEL_INLINE To16 run() {
         int asciiBlocks = 0;
-        while (at_.remaining >= kWhole && at_.room >= 64) {
+        while (at_.readable() >= kWhole && at_.room >= 64) {
             const __m512i bytes = _mm512_loadu_si512(at_.src);
             if (_mm512_movepi8_mask(bytes) == 0) {
                 widen(bytes);
@@ -59,11 +59,12 @@ public:
             }
         }
         while (at_.remaining > 0 && at_.room > 0) {
-            const int n = static_cast<int>(at_.remaining < 64 ? at_.remaining : 64);
+            const long available = at_.readable();
+            const int n = static_cast<int>(available < 64 ? available : 64);
             const __m512i bytes = Vec<Zel8u>::loadFirst(at_.src, n).v;
             if (_mm512_movepi8_mask(bytes) == 0) {
                 widenFirst(bytes, static_cast<int>(at_.room < n ? at_.room : n));
-            } else if (!convert(Utf8Block::loadFirst(at_.src, at_.remaining), n)) {
+            } else if (!convert(Utf8Block::loadFirst(at_.src, available), n)) {
                 break;
             }
         }
