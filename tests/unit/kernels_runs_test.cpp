@@ -119,6 +119,29 @@ TEST(GatherKernels, Doubled) {
     });
 }
 
+TEST(GatherKernels, Shapes) {
+    onManyTexts([](std::mt19937& random, const Zel8u* text, int length) {
+        Set sets[zel::kernels::Shape::kProbes];
+        zel::kernels::Shape shape = {};
+        shape.length = 1 + static_cast<int>(random() % 20);
+        for (int i = 0; i < zel::kernels::Shape::kProbes; ++i) {
+            sets[i] = someSet(random, 70);
+            std::copy(std::begin(sets[i].words), std::end(sets[i].words), shape.sets[i]);
+            shape.offsets[i] = static_cast<int>(random() % static_cast<unsigned>(shape.length));
+        }
+        const auto isPlace = [&](int i) {
+            if (i + shape.length > length) return false;
+            for (int k = 0; k < zel::kernels::Shape::kProbes; ++k) {
+                if (!sets[k].has(text[i + shape.offsets[k]])) return false;
+            }
+            return true;
+        };
+        FOR_EACH_INSTANCE(checkGathered(length, isPlace, [&](int at, Gathered* result) {
+            (gatherShapes)(text + at, length - at, &shape, result);
+        }));
+    });
+}
+
 TEST(GatherKernels, BytesIn) {
     onManyTexts([](std::mt19937& random, const Zel8u* text, int length) {
         const Set a = someSet(random, random() % 2 != 0 ? 1 : 60);

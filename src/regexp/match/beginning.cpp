@@ -21,18 +21,21 @@ bool Planner::isAtom(Zel32u kind) {
     }
 }
 
+ByteSet Planner::literalByte(Zel8u letter, Zel32u flags) {
+    ByteSet bytes = {};
+    bytes.add(letter);
+    if ((flags & kOptionIgnoreCase) != 0 && isAsciiLetter(letter)) bytes.add(letter ^ 0x20u);
+    return bytes;
+}
+
 ByteSet Planner::atomBytes(int index, Zel32u flags) const {
     const Node& node = nodes_[index];
-    const bool ignoreCase = (flags & kOptionIgnoreCase) != 0;
-    ByteSet bytes = {};
     switch (node.kind) {
         case NodeLetter:
         case NodeString: {
             const Zel8u letter = node.kind == NodeLetter ? static_cast<Zel8u>(node.value)
                                                          : *static_cast<const Zel8u*>(node.data);
-            bytes.add(letter);
-            if (ignoreCase && isAsciiLetter(letter)) bytes.add(letter ^ 0x20u);
-            return bytes;
+            return literalByte(letter, flags);
         }
         case NodeLetterRange:
             return shorthandBytes(node.value, flags);

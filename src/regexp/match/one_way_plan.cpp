@@ -80,7 +80,7 @@ bool Planner::describeText(int index, Zel32u flags, OneWay::Part& part) const {
 
 /// The number of nodes that the atom at `index` and what was drawn into its part take; 0 when it
 /// has to be left to the engine.
-int Planner::describeRun(int index, Zel32u flags, OneWay& oneWay, OneWay::Part& part) {
+int Planner::describeRunAndText(int index, Zel32u flags, OneWay& oneWay, OneWay::Part& part) {
     int next = behindAtom(index);
     const Node* repeat = quantifier(next);
     part.min = repeat == nullptr ? 1 : repeat->value;
@@ -94,7 +94,6 @@ int Planner::describeRun(int index, Zel32u flags, OneWay& oneWay, OneWay::Part& 
     const bool isKnown = begin(next, flags, rest);
     part.isFinal = isKnown && disjoint(part.set, rest.bytes);
     if (isKnown && rest.price > oneWay.price) oneWay.price = rest.price;
-    findExcluded(part);
     part.kind = OneWay::Part::kRun;
     const bool isLazy = repeat != nullptr && repeat->kind == NodeQuantifierMin;
     if (!isLazy && (part.isFinal || part.min == part.max)) return next - index;
@@ -118,6 +117,12 @@ int Planner::describeRun(int index, Zel32u flags, OneWay& oneWay, OneWay::Part& 
         return next + 1 - index;
     }
     return next - index;
+}
+
+int Planner::describeRun(int index, Zel32u flags, OneWay& oneWay, OneWay::Part& part) {
+    const int nodes = describeRunAndText(index, flags, oneWay, part);
+    if (nodes != 0) findExcluded(part);
+    return nodes;
 }
 
 /// A look-around whose body is a literal.

@@ -175,7 +175,6 @@ bool Planner::addPrefix(int index, Zel32u flags, Plan& plan) const {
     const Lead lead = leadFrom(index, flags);
     kernels::PrefixTables& prefix = plan.prefix;
     const Zel8u bucket = prefixBucket(lead, plan);
-    const bool ignoreCase = (lead.flags & kOptionIgnoreCase) != 0;
     int depth = 0;
     const auto addPosition = [&](const ByteSet& bytes) {
         for (int c = 0; c < 256; ++c) {
@@ -188,10 +187,7 @@ bool Planner::addPrefix(int index, Zel32u flags, Plan& plan) const {
         if (node.kind == NodeString) {
             const Zel8u* text = static_cast<const Zel8u*>(node.data);
             for (int k = 0; k < node.count && depth < prefix.depth; ++k) {
-                ByteSet bytes = {};
-                bytes.add(text[k]);
-                if (ignoreCase && isAsciiLetter(text[k])) bytes.add(text[k] ^ 0x20u);
-                addPosition(bytes);
+                addPosition(literalByte(text[k], lead.flags));
             }
             continue;
         }
@@ -279,7 +275,9 @@ void Planner::make(Zel32u flags, Plan& plan) {
     plan.exact = all.exact;
     plan.first = all.bytes;
     const bool fewBytes = sizeOf(all.bytes) <= 3;
-    if (bar == count_ && !fewBytes && (planDoubled(lead, plan) || planRun(lead, plan))) return;
+    if (bar == count_ && !fewBytes) {
+        if (planDoubled(lead, plan) || planShape(lead, plan) || planRun(lead, plan)) return;
+    }
     plan.first = all.bytes;
     if (bar == count_ && planRequired(flags, plan)) return;
     if (planPrefix(flags, bar != count_, plan) && (plan.alternatives > 1 || !fewBytes)) return;

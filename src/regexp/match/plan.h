@@ -25,6 +25,7 @@ struct Plan {
         kLine,     // a match begins at the start of a line that holds `literal`
         kBytes,    // a match begins with one of up to three bytes
         kPrefix,   // a match begins as `prefix` says
+        kShape,    // a match begins with bytes of known sets, as `shape` says
         kDoubled,  // a match begins with a byte of `first`, twice
         kRun,  // a match begins with a run of bytes of `first` and one of `behind` directly behind
                // it
@@ -56,6 +57,7 @@ struct Plan {
     Zel8u bytes[3];
     union {
         kernels::PrefixTables prefix;
+        kernels::Shape shape;
         int64_t bills[HopelessRun::kLongest + 1];  // for kRequired: of a run of so many bytes
     };
 

@@ -57,6 +57,10 @@ const Zel8u* Plan::next(const Zel8u* from, const Zel8u* start, const Zel8u* end)
             return places_.next(from, end, [this](const Zel8u* p, int length, Gathered* places) {
                 kernels::gatherPrefixes(p, length, &prefix, places);
             });
+        case kShape:
+            return places_.next(from, end, [this](const Zel8u* p, int length, Gathered* places) {
+                kernels::gatherShapes(p, length, &shape, places);
+            });
         case kDoubled:
             return places_.next(from, end, [this](const Zel8u* p, int length, Gathered* places) {
                 kernels::gatherDoubled(p, length, first.words, places);

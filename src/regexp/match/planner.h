@@ -95,6 +95,8 @@ private:
     void setLiteral(int index, Plan& plan) const;
     bool isAsciiRun(int index, Zel32u flags, ByteSet& bytes) const;
     int openOf(int close) const;
+    /// What a byte of a literal accepts.
+    static ByteSet literalByte(Zel8u letter, Zel32u flags);
 
     // plan.cpp
     bool planLiteral(const Lead& lead, Plan& plan) const;
@@ -112,6 +114,10 @@ private:
     Zel8u prefixBucket(const Lead& lead, Plan& plan) const;
     void planBytes(Plan& plan) const;
 
+    // plan_shape.cpp
+    bool planShape(const Lead& lead, Plan& plan) const;
+    int readShape(const Lead& lead, ByteSet* sets, int room, int& nodes) const;
+
     // plan_required.cpp
     /// plan.first holds what a match can begin with.
     bool planRequired(Zel32u flags, Plan& plan) const;
@@ -120,6 +126,7 @@ private:
     // one_way_plan.cpp
     bool describeBytes(int index, Zel32u flags, bool mayBeWide, OneWay::Part& part) const;
     bool describeText(int index, Zel32u flags, OneWay::Part& part) const;
+    int describeRunAndText(int index, Zel32u flags, OneWay& oneWay, OneWay::Part& part);
     int describeRun(int index, Zel32u flags, OneWay& oneWay, OneWay::Part& part);
     bool describeLook(int open, Zel32u flags, OneWay::Part& part) const;
     void sortAlternatives(OneWay& oneWay) const;

@@ -90,6 +90,10 @@ void gatherPairsIn(const Zel8u* p, int len, const uint64_t* first, const uint64_
     gatherPair(p, len, first, second, result);
 }
 
+void gatherShapes(const Zel8u* p, int len, const kernels::Shape* shape, kernels::Gathered* result) {
+    gatherShape(p, len, *shape, result);
+}
+
 void gatherDoubled(const Zel8u* p, int len, const uint64_t* set, kernels::Gathered* result) {
     gatherDoubledIn(p, len, set, result);
 }

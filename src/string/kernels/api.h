@@ -63,6 +63,16 @@ void gatherPairsIn(const Zel8u* p, int len, const uint64_t* first, const uint64_
 /// Where p[i] equals p[i + 1] and is in a set.
 void gatherDoubled(const Zel8u* p, int len, const uint64_t* set, Gathered* result);
 
+/// A text of a fixed length of which some bytes are known to be in sets.
+struct Shape {
+    static constexpr int kProbes = 4;
+    int length;
+    int offsets[kProbes];  // all of them are used; they need not be different
+    uint64_t sets[kProbes][4];
+};
+/// Where a text of the shape stands.
+void gatherShapes(const Zel8u* p, int len, const Shape* shape, Gathered* result);
+
 /// What several literals can begin with: bit b of tables[i][c] says that literal b, or one of those
 /// that share the bit, may have byte c at position i. `low` and `high` say the same of the halves
 /// of the bytes.
@@ -105,6 +115,6 @@ int countUtf8Continuations(const Zel8u* p, int len);
     X(findByte) X(findByteNot) X(findByteRev) X(findByte2) X(findByte3) X(findByteIn)             \
     X(findByteNotIn) X(findByteInRev) X(findByteNotInRev) X(findBytes) X(findBytesRev)            \
     X(findBytesIgnoreCase) X(countUtf8Continuations) X(gatherBytes) X(gatherBytesFolded)          \
-    X(gatherBytesIn) X(gatherPairsIn) X(gatherDoubled) X(gatherPrefixes) X(boundRuns)             \
+    X(gatherBytesIn) X(gatherShapes) X(gatherPairsIn) X(gatherDoubled) X(gatherPrefixes) X(boundRuns)             \
     X(collectRunsOf) X(copyBytes) X(zeroBytes)
 // clang-format on

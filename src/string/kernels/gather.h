@@ -115,6 +115,24 @@ ZEL_INLINE void gatherPair(const Zel8u* p, int len, const uint64_t* first, const
     gatherFrom(0, ptrdiff_t{len} - 1, len, bitsAt, result);
 }
 
+/// The first two probes are asked of every block, the others where those leave something.
+ZEL_INLINE void gatherShape(const Zel8u* p, int len, const kernels::Shape& shape,
+                            kernels::Gathered* result) {
+    const ByteClass first = ByteClass::fromWords(shape.sets[0]);
+    const ByteClass second = ByteClass::fromWords(shape.sets[1]);
+    const ByteClass third = ByteClass::fromWords(shape.sets[2]);
+    const ByteClass fourth = ByteClass::fromWords(shape.sets[3]);
+    const auto bitsAt = [&](ptrdiff_t at, ptrdiff_t left) {
+        const Zel8u* const block = p + at;
+        uint64_t bits = memberBits(first, block + shape.offsets[0], left);
+        bits &= memberBits(second, block + shape.offsets[1], left);
+        if (bits != 0) bits &= memberBits(third, block + shape.offsets[2], left);
+        if (bits != 0) bits &= memberBits(fourth, block + shape.offsets[3], left);
+        return bits;
+    };
+    gatherFrom(0, ptrdiff_t{len} - shape.length + 1, len, bitsAt, result);
+}
+
 /// Bit i says whether p[i] equals p[i + 1], for the first n positions.
 ZEL_INLINE uint64_t doubledBits(const Zel8u* p, ptrdiff_t n) {
     constexpr int kLanes = Vec<Zel8u>::kLanes;
