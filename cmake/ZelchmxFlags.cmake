@@ -21,5 +21,6 @@ endif()
 
 if(ZELCHMX_COVERAGE)
     add_compile_options(--coverage -fprofile-update=atomic)
+    add_compile_definitions(ZEL_INLINE=inline)
     add_link_options(--coverage)
 endif()
