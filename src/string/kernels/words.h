@@ -34,7 +34,15 @@ struct Words {
     ZEL_INLINE static Words splat(Zel32u x) { return {_mm512_set1_epi32(static_cast<int>(x))}; }
     ZEL_INLINE static Words load(const Zel32u* p) { return {_mm512_loadu_si512(p)}; }
     ZEL_INLINE Words shiftLeft(Words by) const { return {_mm512_sllv_epi32(v, by.v)}; }
-    ZEL_INLINE Zel32u sum() const { return static_cast<Zel32u>(_mm512_reduce_add_epi32(v)); }
+    /// The compiler's own sum of all lanes is one of signed integers, which may not overflow.
+    ZEL_INLINE Zel32u sum() const {
+        const __m256i half =
+            _mm256_add_epi32(_mm512_castsi512_si256(v), _mm512_extracti64x4_epi64(v, 1));
+        __m128i x = _mm_add_epi32(_mm256_castsi256_si128(half), _mm256_extracti128_si256(half, 1));
+        x = _mm_add_epi32(x, _mm_srli_si128(x, 8));
+        x = _mm_add_epi32(x, _mm_srli_si128(x, 4));
+        return static_cast<Zel32u>(_mm_cvtsi128_si32(x));
+    }
     ZEL_INLINE Zel32u exclusiveOr() const {
         const __m256i half =
             _mm256_xor_si256(_mm512_castsi512_si256(v), _mm512_extracti64x4_epi64(v, 1));
