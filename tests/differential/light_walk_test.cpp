@@ -15,9 +15,25 @@
 namespace differential {
 namespace {
 
-const char* const kAtoms[] = {"a",      "b",    "\\d",      "\\w",         "\\s",    "\\S",
-                              ".",      "[ab]", "[^a]",     "[a-c1]",      "[\\d.]", "\\W",
-                              "[^\\s]", "=",    "\xC3\xA9", "[\xC3\xA9x]", "[b-]"};
+const char* const kAtoms[] = {"a",
+                              "b",
+                              "\\d",
+                              "\\w",
+                              "\\s",
+                              "\\S",
+                              ".",
+                              "[ab]",
+                              "[^a]",
+                              "[a-c1]",
+                              "[\\d.]",
+                              "\\W",
+                              "[^\\s]",
+                              "=",
+                              "\xC3\xA9",
+                              "[\xC3\xA9x]",
+                              "[b-]",
+                              "[\\0-\\x{FFFFFFFF}]",
+                              "[^\\sb-\\x{80000000}]"};
 const char* const kQuantifiers[] = {"",      "",     "",      "",   "+",  "*",  "?",     "{2}",
                                     "{1,3}", "{2,}", "{0,2}", "+?", "*?", "??", "{1,2}?"};
 const char* const kGroupQuantifiers[] = {"", "", "", "?", "?", "{1,1}", "*", "{0,2}", "??", "{0}"};

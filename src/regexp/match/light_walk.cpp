@@ -188,6 +188,12 @@ struct ShorthandAtom {
     }
 };
 
+/// The last character of a letter or range; the ends of ranges are unsigned.
+unsigned lastOf(const Node& member) {
+    return member.kind == NodeLetter ? static_cast<Zel8u>(member.value)
+                                     : static_cast<unsigned>(member.count);
+}
+
 /// A class of one or two letters or ranges of bytes.
 struct PairAtom {
     const Node& node;
@@ -220,8 +226,8 @@ private:
     bool add(int i) {
         const Node& member = (&node)[i + 1];
         const bool isLetter = member.kind == NodeLetter;
-        const int last = isLetter ? member.value & 0xFF : member.count;
         if (!isLetter && member.kind != NodeRange) return false;
+        const unsigned last = lastOf(member);
         if (last > (decodes ? 0x7F : 0xFF)) return false;
         low[i] = static_cast<unsigned>(isLetter ? member.value & 0xFF : member.value);
         size[i] = isLetter ? 1 : static_cast<unsigned>(member.count - member.value + 1);
@@ -241,7 +247,7 @@ struct ClassAtom {
     bool isKnown() const {
         for (const Node* member = &node + 1; member <= &node + node.count; ++member) {
             const bool isPlain = member->kind == NodeLetter || member->kind == NodeLetterRange ||
-                                 (member->kind == NodeRange && member->count < 0x100);
+                                 (member->kind == NodeRange && lastOf(*member) < 0x100);
             if (!isPlain || member->extra != 0) return false;
         }
         return true;
@@ -269,7 +275,7 @@ struct ClassAtom {
             if (member->extra != 0) return false;
             if (member->kind == NodeLetter) {
                 bits = _mm_cmpeq_epi8(bytes, eachByte(member->value));
-            } else if (member->kind == NodeRange && member->count < 0x100) {
+            } else if (member->kind == NodeRange && lastOf(*member) < 0x100) {
                 bits = inRange(bytes, member->value, member->count);
             } else if (member->kind == NodeLetterRange) {
                 bits = acceptedByShorthand(member->value, flags, bytes);
