@@ -3,8 +3,10 @@
 // element is one that differs from the first where the pattern has such a one, so that neither runs
 // of one element in the text nor a pattern made of few elements let every start through.
 //
-// A long search begins with only one of the two probes, the one that is rarer in texts of all
-// kinds, at the speed of a search for that element; where it turns out not to be rare, with both.
+// Up to four blocks overlap and share one question. Between the first and the last four blocks of a
+// longer text, the search begins with only one of the two probes, the one that is rarer in texts of
+// all kinds, at the speed of a search for that element; where it turns out not to be rare, it goes
+// on with both.
 //
 // Positions are those of the pattern's first element; a block of starts reads its first elements
 // and, the pattern's length further on, its last ones, both inside the text.
@@ -84,8 +86,10 @@ struct SingleProbe {
     ptrdiff_t at;
 
     ZEL_INLINE explicit SingleProbe(const Pattern<T>& p) {
-        const bool lastIsRarer = commonness(p.elements[p.len - 1]) < commonness(p.elements[0]);
-        value = lastIsRarer ? p.last : p.first;
+        const T last = p.elements[p.len - 1];
+        const T first = p.elements[0];
+        const bool lastIsRarer = commonness(last) < commonness(first);
+        value = Vec<T>::splat(lastIsRarer ? last : first);
         at = lastIsRarer ? p.len - 1 : 0;
     }
     ZEL_INLINE Hits<T> hits(const T* p) const { return equal(Vec<T>::load(p + at), value); }
@@ -94,18 +98,110 @@ struct SingleProbe {
 /// How many rounds a single probe may let through in vain before it is not rare.
 inline constexpr int kSingleProbePatience = 4;
 
-/// For more starts than one block has.
+/// The first of the starts in a block that have passed the first two probes, or kNotFound. A single
+/// one is compared at once.
+template <typename T>
+ZEL_INLINE int firstMatch(const Pattern<T>& pattern, const T* block, Hits<T> hits) {
+    const Mask<T> mask = hits.mask();
+    if (!mask.any()) return kNotFound;
+    if (mask.withoutFirst().any()) return Candidates<T>(pattern).first(block, mask);
+    return pattern.standsAt(block + mask.first()) ? mask.first() : kNotFound;
+}
+template <typename T>
+ZEL_INLINE int lastMatch(const Pattern<T>& pattern, const T* block, Hits<T> hits) {
+    const Mask<T> mask = hits.mask();
+    if (!mask.any()) return kNotFound;
+    if (mask.withoutFirst().any()) return Candidates<T>(pattern).last(block, mask);
+    return pattern.standsAt(block + mask.last()) ? mask.last() : kNotFound;
+}
+
+/// More starts than one block has, but at most four, as two or four blocks that overlap and share
+/// one question.
+template <typename T>
+ZEL_INLINE int findStringInFew(const T* src, ptrdiff_t starts, const Pattern<T>& pattern) {
+    constexpr ptrdiff_t n = Vec<T>::kLanes;
+    const T* const last = src + starts - n;
+    const auto found = [&](const T* block, Hits<T> hits, int& index)
+        __attribute__((always_inline)) {
+        const int i = firstMatch(pattern, block, hits);
+        index = static_cast<int>(block - src) + i;
+        return i >= 0;
+    };
+    const Hits<T> a = pattern.hits(src);
+    const Hits<T> d = pattern.hits(last);
+    int index;
+    if (starts <= 2 * n) {
+        if (!(a | d).any()) [[likely]]
+            return kNotFound;
+        if (found(src, a, index) || found(last, d, index)) return index;
+        return kNotFound;
+    }
+    const Hits<T> b = pattern.hits(src + n);
+    const Hits<T> c = pattern.hits(last - n);
+    if (!((a | b) | (c | d)).any()) [[likely]]
+        return kNotFound;
+    if (found(src, a, index) || found(src + n, b, index) || found(last - n, c, index) ||
+        found(last, d, index))
+        return index;
+    return kNotFound;
+}
+
+template <typename T>
+ZEL_INLINE int findStringRevInFew(const T* src, ptrdiff_t starts, const Pattern<T>& pattern) {
+    constexpr ptrdiff_t n = Vec<T>::kLanes;
+    const T* const last = src + starts - n;
+    const auto found = [&](const T* block, Hits<T> hits, int& index)
+        __attribute__((always_inline)) {
+        const int i = lastMatch(pattern, block, hits);
+        index = static_cast<int>(block - src) + i;
+        return i >= 0;
+    };
+    const Hits<T> a = pattern.hits(src);
+    const Hits<T> d = pattern.hits(last);
+    int index;
+    if (starts <= 2 * n) {
+        if (!(a | d).any()) [[likely]]
+            return kNotFound;
+        if (found(last, d, index) || found(src, a, index)) return index;
+        return kNotFound;
+    }
+    const Hits<T> b = pattern.hits(src + n);
+    const Hits<T> c = pattern.hits(last - n);
+    if (!((a | b) | (c | d)).any()) [[likely]]
+        return kNotFound;
+    if (found(last, d, index) || found(last - n, c, index) || found(src + n, b, index) ||
+        found(src, a, index))
+        return index;
+    return kNotFound;
+}
+
+template <typename T>
+[[gnu::noinline]] int findStringMedium(const T* src, ptrdiff_t starts, const T* elements, int len) {
+    return findStringInFew(src, starts, Pattern<T>(elements, len));
+}
+template <typename T>
+[[gnu::noinline]] int findStringRevMedium(const T* src, ptrdiff_t starts, const T* elements,
+                                          int len) {
+    return findStringRevInFew(src, starts, Pattern<T>(elements, len));
+}
+
+/// For more starts than four blocks have. The first four and the last four blocks are looked at
+/// with both probes, the latter repeating starts that were refused before.
 template <typename T>
 [[gnu::noinline]] int findStringLong(const T* src, ptrdiff_t starts, const T* elements, int len) {
     constexpr ptrdiff_t n = Vec<T>::kLanes;
     const Pattern<T> pattern(elements, len);
-    const Candidates<T> candidates(pattern);
     const T* const end = src + starts;
-    const T* p = src;
     const auto at = [src](const T* block, int i) { return static_cast<int>(block - src) + i; };
 
+    if (const int i = findStringInFew(src, 4 * n, pattern); i >= 0) return i;
+
     const SingleProbe<T> single(pattern);
-    for (int patience = kSingleProbePatience; end - p >= 4 * n && patience > 0; p += 4 * n) {
+    const Candidates<T> candidates(pattern);
+    // Back to where the single probe reads whole cache lines.
+    const T* p = src + 4 * n;
+    p -= n - toBoundary(p + single.at);
+    for (int patience = kSingleProbePatience; end - p > 4 * n && patience > 0; p += 4 * n) {
         const Hits<T> a = single.hits(p) | single.hits(p + n);
         const Hits<T> b = single.hits(p + 2 * n) | single.hits(p + 3 * n);
         if (!(a | b).any()) [[likely]]
@@ -117,7 +213,7 @@ template <typename T>
             if (i >= 0) return at(block, i);
         }
     }
-    for (; end - p >= 2 * n; p += 2 * n) {
+    for (; end - p > 4 * n; p += 2 * n) {
         const Hits<T> a = pattern.hits(p);
         const Hits<T> b = pattern.hits(p + n);
         if (!(a | b).any()) [[likely]]
@@ -125,13 +221,8 @@ template <typename T>
         if (const int i = candidates.first(p, a.mask()); i >= 0) return at(p, i);
         if (const int i = candidates.first(p + n, b.mask()); i >= 0) return at(p + n, i);
     }
-    // The last block or two repeat starts that were refused before.
-    const T* const block = end - p > n ? p : end - n;
-    if (const int i = candidates.first(block, pattern.hits(block).mask()); i >= 0)
-        return at(block, i);
-    if (const int i = candidates.first(end - n, pattern.hits(end - n).mask()); i >= 0)
-        return at(end - n, i);
-    return kNotFound;
+    const int i = findStringInFew(end - 4 * n, 4 * n, pattern);
+    return i >= 0 ? at(end - 4 * n, i) : kNotFound;
 }
 
 template <typename T>
@@ -139,12 +230,17 @@ template <typename T>
                                         int len) {
     constexpr ptrdiff_t n = Vec<T>::kLanes;
     const Pattern<T> pattern(elements, len);
-    const Candidates<T> candidates(pattern);
-    const T* p = src + starts;
+    const T* const end = src + starts;
     const auto at = [src](const T* block, int i) { return static_cast<int>(block - src) + i; };
 
+    if (const int i = findStringRevInFew(end - 4 * n, 4 * n, pattern); i >= 0)
+        return at(end - 4 * n, i);
+
     const SingleProbe<T> single(pattern);
-    for (int patience = kSingleProbePatience; p - src >= 4 * n && patience > 0; p -= 4 * n) {
+    const Candidates<T> candidates(pattern);
+    const T* p = end - 4 * n;
+    p += n - fromBoundary(p + single.at);
+    for (int patience = kSingleProbePatience; p - src > 4 * n && patience > 0; p -= 4 * n) {
         const Hits<T> a = single.hits(p - n) | single.hits(p - 2 * n);
         const Hits<T> b = single.hits(p - 3 * n) | single.hits(p - 4 * n);
         if (!(a | b).any()) [[likely]]
@@ -156,7 +252,7 @@ template <typename T>
             if (i >= 0) return at(block, i);
         }
     }
-    for (; p - src >= 2 * n; p -= 2 * n) {
+    for (; p - src > 4 * n; p -= 2 * n) {
         const Hits<T> a = pattern.hits(p - n);
         const Hits<T> b = pattern.hits(p - 2 * n);
         if (!(a | b).any()) [[likely]]
@@ -164,11 +260,7 @@ template <typename T>
         if (const int i = candidates.last(p - n, a.mask()); i >= 0) return at(p - n, i);
         if (const int i = candidates.last(p - 2 * n, b.mask()); i >= 0) return at(p - 2 * n, i);
     }
-    const T* const block = p - src > n ? p - n : src;
-    if (const int i = candidates.last(block, pattern.hits(block).mask()); i >= 0)
-        return at(block, i);
-    if (const int i = candidates.last(src, pattern.hits(src).mask()); i >= 0) return at(src, i);
-    return kNotFound;
+    return findStringRevInFew(src, 4 * n, pattern);
 }
 
 /// First position of the pattern, or kNotFound. An empty pattern is never found.
@@ -177,7 +269,8 @@ ZEL_INLINE int findString(const T* src, int len, const T* elements, int lenPatte
     if (lenPattern < 2) return lenPattern == 0 ? kNotFound : findElement(src, len, elements[0]);
     if (lenPattern > len) return kNotFound;
     const int starts = len - lenPattern + 1;
-    if (starts > Vec<T>::kLanes) return findStringLong(src, starts, elements, lenPattern);
+    if (starts > 4 * Vec<T>::kLanes) return findStringLong(src, starts, elements, lenPattern);
+    if (starts > Vec<T>::kLanes) return findStringMedium(src, starts, elements, lenPattern);
     const Pattern<T> pattern(elements, lenPattern);
     for (Mask<T> m = pattern.maskFirst(src, starts); m.any(); m = m.withoutFirst()) {
         if (pattern.standsAt(src + m.first())) return m.first();
@@ -191,7 +284,8 @@ ZEL_INLINE int findStringRev(const T* src, int len, const T* elements, int lenPa
     if (lenPattern < 2) return lenPattern == 0 ? kNotFound : findElementRev(src, len, elements[0]);
     if (lenPattern > len) return kNotFound;
     const int starts = len - lenPattern + 1;
-    if (starts > Vec<T>::kLanes) return findStringRevLong(src, starts, elements, lenPattern);
+    if (starts > 4 * Vec<T>::kLanes) return findStringRevLong(src, starts, elements, lenPattern);
+    if (starts > Vec<T>::kLanes) return findStringRevMedium(src, starts, elements, lenPattern);
     const Pattern<T> pattern(elements, lenPattern);
     for (Mask<T> m = pattern.maskFirst(src, starts); m.any(); m = m.without(m.last())) {
         if (pattern.standsAt(src + m.last())) return m.last();
