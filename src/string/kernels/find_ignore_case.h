@@ -3,6 +3,7 @@
 // bytes with bit 5 set, which no other byte than its two forms can produce.
 #pragma once
 
+#include "string/kernels/commonness.h"
 #include "string/kernels/convert_case.h"
 #include "string/kernels/find_element.h"
 
@@ -51,29 +52,47 @@ ZEL_INLINE int firstFolded(const Zel8u* block, Mask<Zel8u> mask, const Zel8u* ne
     return kNotFound;
 }
 
-/// A block of starts that have the right first, last and middle byte.
+/// A block of starts that have the right bytes at two places, the rarest of the needle by the look
+/// of it; a third place refines what these let through.
 struct FoldedPattern {
+    ptrdiff_t firstAt;
+    ptrdiff_t secondAt;
+    ptrdiff_t thirdAt;
     FoldedByte first;
-    FoldedByte middle;
-    FoldedByte last;
-    ptrdiff_t middleAt;
-    ptrdiff_t lastAt;
+    FoldedByte second;
+    FoldedByte third;
 
     ZEL_INLINE FoldedPattern(const Zel8u* needle, int len)
-        : first(needle[0]),
-          middle(needle[len / 2]),
-          last(needle[len - 1]),
-          middleAt(len / 2),
-          lastAt(len - 1) {}
+        : firstAt(rarest(needle, len, -1)),
+          secondAt(rarest(needle, len, firstAt)),
+          thirdAt(secondAt == len - 1 || firstAt == len - 1 ? 0 : len - 1),
+          first(needle[firstAt]),
+          second(needle[secondAt]),
+          third(needle[thirdAt]) {}
 
     ZEL_INLINE Hits<Zel8u> hits(const Zel8u* p) const {
-        return first.hits(p) & last.hits(p + lastAt);
+        return first.hits(p + firstAt) & second.hits(p + secondAt);
     }
     ZEL_INLINE Mask<Zel8u> refine(const Zel8u* p, Hits<Zel8u> found) const {
-        return (found & middle.hits(p + middleAt)).mask();
+        return (found & third.hits(p + thirdAt)).mask();
     }
     ZEL_INLINE Mask<Zel8u> maskFirst(const Zel8u* p, int n) const {
-        return first.maskFirst(p, n) & last.maskFirst(p + lastAt, n);
+        return first.maskFirst(p + firstAt, n) & second.maskFirst(p + secondAt, n);
+    }
+
+private:
+    /// The place of the rarest byte among the first few, but for one place.
+    ZEL_INLINE static ptrdiff_t rarest(const Zel8u* needle, int len, ptrdiff_t butFor) {
+        constexpr int kFew = 16;
+        ptrdiff_t best = butFor == 0 ? 1 : 0;
+        const auto commonnessAt = [needle](ptrdiff_t at) {
+            const Zel8u byte = needle[at];
+            return commonness(isLatinLetter(byte) ? byte | 0x20u : byte);
+        };
+        for (ptrdiff_t at = best + 1; at < len && at < kFew; ++at) {
+            if (at != butFor && commonnessAt(at) < commonnessAt(best)) best = at;
+        }
+        return best;
     }
 };
 
