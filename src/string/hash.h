@@ -147,27 +147,38 @@ private:
     Words h_;
 };
 
-inline Zel32u mscsOfVectors(Zel32u h, const Zel8u*& p, const Zel8u* end) {
+/// The step for the elements from p to the end or the first zero. Short texts are bound by the
+/// number of instructions, hence four elements for one test of the end.
+template <typename T>
+ZEL_INLINE Zel32u mscsOneByOne(Zel32u h, const T* p, const T* end) {
+    for (; end - p >= 4; p += 4) {
+        for (int i = 0; i < 4; ++i) {
+            if (p[i] == 0) return h;
+            h = (h * 33) ^ p[i];
+        }
+    }
+    for (; p != end && *p != 0; ++p) h = (h * 33) ^ *p;
+    return h;
+}
+
+// Apart from hashMSCS, which is quicker for short texts without the registers that this needs.
+inline __attribute__((noinline)) Zel32u mscsOfLongText(Zel32u h, const Zel8u* p, const Zel8u* end) {
     MscsOfVectors hash(h);
     hash.take<4>(p, end);
     if constexpr (MscsOfVectors::kLanes == 64) hash.take<1>(p, end);
-    return hash.value();
+    return mscsOneByOne(hash.value(), p, end);
 }
 
 /// h = (h * 33) ^ c from 5381, up to the first zero element.
 template <typename T>
-Zel32u hashMSCS(const T* src, int len) {
-    Zel32u h = 5381;
-    int i = 0;
+ZEL_INLINE Zel32u hashMSCS(const T* src, int len) {
+    constexpr Zel32u kStart = 5381;
     if constexpr (sizeof(T) == 1) {
         // Narrower vectors do little better than the loop, one by one they do worse.
         constexpr int kWorthVectors = Vec<T>::kLanes == 64 ? 64 : Vec<T>::kLanes == 32 ? 256 : 1024;
-        const T* p = src;
-        if (len >= kWorthVectors) h = mscsOfVectors(h, p, src + len);
-        i = static_cast<int>(p - src);
+        if (len >= kWorthVectors) return mscsOfLongText(kStart, src, src + len);
     }
-    for (; i < len && src[i] != 0; ++i) h = (h * 33) ^ src[i];
-    return h;
+    return mscsOneByOne(kStart, src, src + len);
 }
 
 }  // namespace zel::ZEL_ISA
