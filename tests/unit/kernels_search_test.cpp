@@ -143,6 +143,8 @@ std::vector<SetKind<T>> setKinds() {
     for (const int count : {1, 2, 3, 4, 5, 16, 63})
         add("ascii", count, [](int i) { return '0' + i; });
     add("both halves", 40, [](int i) { return i * 6 + 3; });
+    add("ends of words", 10, [](int i) { return (i / 2 * 64) ^ (i % 2 * 63); });
+    add("nearly all", 250, [](int i) { return i; });
     add("with zero", 7, [](int i) { return i * 5; });
     add("with 0xFF", 7, [](int i) { return 0xFF - i * 5; });
     add("repeated", 9, [](int i) { return 'a' + i % 2; });

@@ -194,21 +194,39 @@ TYPED_TEST(Blocks, CopyAndMove_TransferLargeBlocks) {
     }
 }
 
-// All distances between source and destination inside one buffer, in both directions.
+// One distance between source and destination inside one buffer.
+template <typename T, typename Member, typename Model>
+void checkOverlap(const Arena<T>& arena, Random& random, int len, int distance, Member member,
+                  Model model) {
+    const int placement = random.below(kPlacements);
+    const auto content = random.text<T>(2 * len + std::abs(distance));
+    const int from = distance < 0 ? -distance : 0;
+    std::vector<T> expected = content;
+    model(expected.data() + from, expected.data() + from + distance, len);
+    const Placed<T> run = arena.place(content, placement);
+    ASSERT_EQ(member(run.data + from, run.data + from + distance, len), zelStatusOk);
+    ASSERT_TRUE(std::equal(expected.begin(), expected.end(), run.begin()))
+        << len << " moved by " << distance;
+    ASSERT_TRUE(run.intact());
+}
+
+// All distances of short ranges, in both directions; of long ones those about the sizes of vectors
+// and of rounds, about the length, and a little beside whole pages.
 template <typename T, typename Member, typename Model>
 void checkOverlaps(const Arena<T>& arena, Random& random, Member member, Model model) {
     for (const int len : {1, 2, 5, 6, 7, 8, 15, 16, 17, 31, 33, 63, 64, 65, 100, 129, 257, 300}) {
         for (int distance = -len - 2; distance <= len + 2; ++distance) {
-            const int placement = random.below(kPlacements);
-            const auto content = random.text<T>(2 * len + std::abs(distance));
-            const int from = distance < 0 ? -distance : 0;
-            std::vector<T> expected = content;
-            model(expected.data() + from, expected.data() + from + distance, len);
-            const Placed<T> run = arena.place(content, placement);
-            ASSERT_EQ(member(run.data + from, run.data + from + distance, len), zelStatusOk);
-            ASSERT_TRUE(std::equal(expected.begin(), expected.end(), run.begin()))
-                << len << " elements to distance " << distance;
-            ASSERT_TRUE(run.intact());
+            ASSERT_NO_FATAL_FAILURE(checkOverlap(arena, random, len, distance, member, model));
+        }
+    }
+    for (const int len : {511, 512, 513, 700, 1025, 3000, 8193, 17000}) {
+        for (const int distance :
+             {1,    2,    15,   31,   63,      64,      65,   127,     128,
+              255,  256,  257,  500,  len / 2, len - 1, len,  len + 1, len + 63,
+              4096, 4097, 4160, 5100, 5200,    8191,    8192, 8200,    20481}) {
+            for (const int signedDistance : {distance, -distance})
+                ASSERT_NO_FATAL_FAILURE(
+                    checkOverlap(arena, random, len, signedDistance, member, model));
         }
     }
 }
