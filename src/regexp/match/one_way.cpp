@@ -174,20 +174,37 @@ private:
         return fail();
     }
 
+    /// The first byte that the text begins with, or that is not in the set.
+    const Zel8u* endOfUninteresting(const Part& part, const Zel8u* run) const {
+        const int length = static_cast<int>(end_ - run);
+        const Zel8u* out = part.excluded;
+        switch (part.excludedCount) {
+            case 1:
+                return run + kernels::findByte2(run, length, *part.text, out[0]);
+            case 2:
+                return run + kernels::findByte3(run, length, *part.text, out[0], out[1]);
+            default:
+                while (run < end_ && *run != *part.text && part.set.has(*run)) ++run;
+                return run;
+        }
+    }
+
     Outcome takeUntilText(const Part& part) {
         if (left() < part.min) return fail();
         const Zel8u* run = position;
         for (int i = 0; i < part.min; ++i, ++run) {
             if (!part.set.has(*run)) return stopAt(part, run);
         }
-        for (; run < end_; ++run) {
+        for (;; ++run) {
+            run = endOfUninteresting(part, run);
+            if (run == end_) break;
             if (*run == *part.text && end_ - run >= part.length &&
                 sameBytes(run, part.text, part.length)) {
                 if (part.set.has(*run)) isSure_ = false;
                 position = run + part.length;
                 return kMatched;
             }
-            if (!part.set.has(*run)) return stopAt(part, run);
+            if (!part.set.has(*run)) break;
         }
         return stopAt(part, run);
     }
