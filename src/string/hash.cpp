@@ -9,12 +9,9 @@ namespace zel::ZEL_ISA {
 
 namespace {
 
-template <typename T>
-using Formula = Zel32u (*)(const T* src, int len);
-
 // The two families that go on over zero elements store 0 before they start.
-template <typename T>
-ZelStatus hash(Formula<T> formula, const T* src, int len, Zel32u* hashVal) {
+template <auto formula, typename T>
+ZelStatus hash(const T* src, int len, Zel32u* hashVal) {
     if (anyNull(src, hashVal)) return zelStatusNullPointer;
     if (anyNegative(len)) return zelStatusLengthError;
     *hashVal = 0;
@@ -22,8 +19,8 @@ ZelStatus hash(Formula<T> formula, const T* src, int len, Zel32u* hashVal) {
     return zelStatusOk;
 }
 
-template <typename T>
-ZelStatus hashUpToZero(Formula<T> formula, const T* src, int len, Zel32u* hashVal) {
+template <auto formula, typename T>
+ZelStatus hashUpToZero(const T* src, int len, Zel32u* hashVal) {
     if (anyNull(src, hashVal)) return zelStatusNullPointer;
     if (anyNegative(len)) return zelStatusLengthError;
     *hashVal = formula(src, len);
@@ -33,27 +30,27 @@ ZelStatus hashUpToZero(Formula<T> formula, const T* src, int len, Zel32u* hashVa
 }  // namespace
 
 ZelStatus zelsHash_8u32u(const Zel8u* pSrc, int len, Zel32u* pHashVal) {
-    return hash(hashShift<Zel8u>, pSrc, len, pHashVal);
+    return hash<hashShift<Zel8u>>(pSrc, len, pHashVal);
 }
 
 ZelStatus zelsHash_16u32u(const Zel16u* pSrc, int len, Zel32u* pHashVal) {
-    return hash(hashShift<Zel16u>, pSrc, len, pHashVal);
+    return hash<hashShift<Zel16u>>(pSrc, len, pHashVal);
 }
 
 ZelStatus zelsHashSJ2_8u32u(const Zel8u* pSrc, int len, Zel32u* pHashVal) {
-    return hash(hashSJ2<Zel8u>, pSrc, len, pHashVal);
+    return hash<hashSJ2<Zel8u>>(pSrc, len, pHashVal);
 }
 
 ZelStatus zelsHashSJ2_16u32u(const Zel16u* pSrc, int len, Zel32u* pHashVal) {
-    return hash(hashSJ2<Zel16u>, pSrc, len, pHashVal);
+    return hash<hashSJ2<Zel16u>>(pSrc, len, pHashVal);
 }
 
 ZelStatus zelsHashMSCS_8u32u(const Zel8u* pSrc, int len, Zel32u* pHashVal) {
-    return hashUpToZero(hashMSCS<Zel8u>, pSrc, len, pHashVal);
+    return hashUpToZero<hashMSCS<Zel8u>>(pSrc, len, pHashVal);
 }
 
 ZelStatus zelsHashMSCS_16u32u(const Zel16u* pSrc, int len, Zel32u* pHashVal) {
-    return hashUpToZero(hashMSCS<Zel16u>, pSrc, len, pHashVal);
+    return hashUpToZero<hashMSCS<Zel16u>>(pSrc, len, pHashVal);
 }
 
 }  // namespace zel::ZEL_ISA
