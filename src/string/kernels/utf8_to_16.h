@@ -96,9 +96,9 @@ private:
     /// so much.
     ZEL_INLINE void stream() {
         const auto misaligned = reinterpret_cast<uintptr_t>(at_.dst) % 64;
+        if (misaligned % sizeof(Zel16u) != 0 || at_.room < 64) return;
         const __m512i first = _mm512_loadu_si512(at_.src);
-        const bool canAlign = misaligned % sizeof(Zel16u) == 0;
-        if (!canAlign || at_.room < 64 || _mm512_movepi8_mask(first) != 0) return;
+        if (_mm512_movepi8_mask(first) != 0) return;
         widenFirst(first, static_cast<int>((64 - misaligned) / sizeof(Zel16u)));
         while (at_.remaining >= kWhole && at_.room >= 64) {
             const __m512i bytes = _mm512_loadu_si512(at_.src);
