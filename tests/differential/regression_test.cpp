@@ -28,6 +28,10 @@ const RegexpCase regexpCases[] = {
     // A lazy \C takes back its own bytes, not what a lazy routine behind it left raised.
     {"\\C\?\?(\\P{Any}*?)|", "", 1, 10000, "a", 0, 16},
     {"(\\C+?)+a+?a", "", 1, 10000, "aaa", 0, 16},
+    // A shorthand's run steps over a literal when it gives back a longer character behind it, also
+    // where the search has been at it for some lines and no longer asks the engine.
+    {"x.+b\\d?", "", 0, 10000, "xq\nxq\nxq\nxq\nxq\nxq\nxq\nxq\nxq\nxq\nxq\nxq\nxqb\303\251q\n", 0,
+     16},
 };
 
 const ReplaceCase replaceCases[] = {
