@@ -134,13 +134,14 @@ inline __m128i acceptedByShorthand(int letter, Zel32u flags, __m128i bytes) {
 
 // What an atom takes: `takes` says whether one byte, `accept` which of sixteen. `leaves` says of a
 // byte that it may begin a longer character, which is for the engine. A run of up to kFew bytes is
-// tested byte by byte first.
+// tested byte by byte; where kFewFirst says so, that many bytes of longer runs are, too.
 
 struct LetterAtom {
     const Node& node;
     static constexpr bool kRaises = true;  // a lazy run that fails
     static constexpr bool kHints = true;   // a lazy run looks at the letter behind it first
     static constexpr int kFew = 4;
+    static constexpr bool kFewFirst = true;
 
     bool isKnown() const { return true; }
     bool takes(Zel8u byte) const { return byte == static_cast<Zel8u>(node.value); }
@@ -158,6 +159,7 @@ struct ShorthandAtom {
     static constexpr bool kRaises = true;
     static constexpr bool kHints = true;
     static constexpr int kFew = 4;
+    static constexpr bool kFewFirst = true;
 
     bool isKnown() const { return true; }
     bool takes(Zel8u byte) const { return (kShorthands.bytes[byte] & mask) != 0; }
@@ -184,6 +186,7 @@ struct PairAtom {
     static constexpr bool kRaises = false;
     static constexpr bool kHints = false;
     static constexpr int kFew = 4;
+    static constexpr bool kFewFirst = false;
 
     PairAtom(const Node& head, bool isUtf8) : node(head), decodes(isUtf8) {}
     /// Fills the ranges; false when it is another class.
@@ -224,6 +227,7 @@ struct ClassAtom {
     static constexpr bool kRaises = false;
     static constexpr bool kHints = false;
     static constexpr int kFew = 1;
+    static constexpr bool kFewFirst = false;
 
     bool isKnown() const {
         for (const Node* member = &node + 1; member <= &node + node.count; ++member) {

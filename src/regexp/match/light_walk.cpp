@@ -2,8 +2,6 @@
 // engine.cpp, greedy_runs.h, groups.h and lazy_runs.cpp.
 #include "regexp/match/light_walk.h"
 
-#include <type_traits>
-
 #include "regexp/match/light_atoms.h"
 #include "regexp/match/positions.h"
 
@@ -261,7 +259,7 @@ private:
     Taken takeAll(const Atom& atom, const Zel8u* stop) const {
         const Zel8u* run = position_;
         const bool isFew = stop - run <= Atom::kFew;
-        if (isFew || !std::is_same_v<Atom, ClassAtom>) {
+        if (isFew || Atom::kFewFirst) {
             if (!atom.isKnown()) return {Taken::kNotAsked, run};
             const Zel8u* near = isFew ? stop : run + Atom::kFew;
             run = takeFew(atom, run, near);
