@@ -4,7 +4,6 @@
 
 #include "regexp/match/character.h"
 #include "regexp/match/class_matcher.h"
-#include "regexp/match/places.h"
 #include "string/kernels/api.h"
 
 namespace zel {
@@ -63,8 +62,8 @@ bool CharacterSequence::read(const ZelRegExpState& state) {
 
 /// Takes at most part.max characters. The lengths that a processor can guess are written as
 /// branches: computed ones would have to be known before the next character is read.
-const Zel8u* CharacterSequence::takeRun(const Part& part, const Zel8u* text, const Zel8u* end,
-                                        int& count) const {
+const Zel8u* CharacterSequence::takeRun(const Part& part, const Zel8u* text,
+                                                          const Zel8u* end, int& count) const {
     const ClassSet& set = part.set;
     count = 0;
     for (; count < part.max && text < end; ++count) {
@@ -110,14 +109,10 @@ const Zel8u* CharacterSequence::matchAt(const Zel8u* text, const Zel8u* end) con
 int CharacterSequence::collect(const Zel8u* start, const Zel8u* end, ZelRegExpFind* results,
                                int capacity) const {
     int written = 0;
-    Places places;
-    places.clear();
-    const auto gather = [this](const Zel8u* p, int length, kernels::Gathered* gathered) {
-        kernels::gatherBytesIn(p, length, first_.words, gathered);
-    };
     for (const Zel8u* text = start; written < capacity && text < end;) {
         if (!first_.has(*text)) {
-            text = characterBoundary(places.next(text, end, gather), start, end);
+            text += kernels::findByteIn(text, static_cast<int>(end - text), first_.words);
+            text = characterBoundary(text, start, end);
             continue;
         }
         const Zel8u* matchEnd = matchAt(text, end);
