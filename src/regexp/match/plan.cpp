@@ -133,7 +133,15 @@ bool Planner::planRun(const Lead& lead, Plan& plan) {
     Beginning rest;
     if (!begin(next + 1, lead.flags, rest)) return false;
     const bool shorthand = nodes_[lead.index].kind == NodeLetterRange;
-    if (disjoint(bytes, rest.bytes)) {
+    int behind = next + 1;
+    Zel32u flagsBehind = lead.flags;
+    for (; behind < count_ && nodes_[behind].kind == NodeGroupingClose; ++behind) {
+        flagsBehind = static_cast<Zel32u>(nodes_[behind].count);
+    }
+    const bool hasLiteral = !bounded && isLiteral(behind, flagsBehind);
+    // Several bytes that have to follow are rarer than a byte that ends the run.
+    const bool isRare = hasLiteral && nodes_[behind].kind == NodeString && !plan.lines;
+    if (disjoint(bytes, rest.bytes) && !isRare) {
         if (planTwoRuns(next + 1, lead, bytes, *repeat, plan)) return true;
         plan.kind = Plan::kRun;
         plan.behind = rest.bytes;
@@ -142,12 +150,10 @@ bool Planner::planRun(const Lead& lead, Plan& plan) {
         // A shorthand in front of a longer character gives back more than one byte: to be tried.
         if (shorthand) plan.behind.addRange(0xC0, 0xFF);
     } else {
-        int index = next + 1;
-        while (index < count_ && nodes_[index].kind == NodeGroupingClose) ++index;
-        if (bounded || !isLiteral(index, lead.flags)) return false;
+        if (!hasLiteral) return false;
         plan.kind = Plan::kRunLiteral;
         plan.avoidsWide = shorthand;
-        setLiteral(index, plan);
+        setLiteral(behind, plan);
     }
     plan.first = bytes;
     plan.min = repeat->value;
