@@ -62,8 +62,8 @@ bool CharacterSequence::read(const ZelRegExpState& state) {
 
 /// Takes at most part.max characters. The lengths that a processor can guess are written as
 /// branches: computed ones would have to be known before the next character is read.
-const Zel8u* CharacterSequence::takeRun(const Part& part, const Zel8u* text,
-                                                          const Zel8u* end, int& count) const {
+const Zel8u* CharacterSequence::takeRun(const Part& part, const Zel8u* text, const Zel8u* end,
+                                        int& count) const {
     const ClassSet& set = part.set;
     count = 0;
     for (; count < part.max && text < end; ++count) {
