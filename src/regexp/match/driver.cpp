@@ -20,6 +20,7 @@
 #include "regexp/match/plan.h"
 #include "regexp/match/predicates.h"
 #include "regexp/match/required.h"
+#include "string/kernels/api.h"
 #include "string/utf8.h"
 
 namespace zel {
@@ -34,12 +35,18 @@ Zel8u upper(Zel8u c) {
 }
 
 int findLastIgnoringCase(const Zel8u* text, int length, const Zel8u* literal, int literalLength) {
-    for (int start = length - literalLength; start >= 0; --start) {
-        int i = 0;
-        while (i < literalLength && upper(text[start + i]) == upper(literal[i])) ++i;
-        if (i == literalLength) return start;
+    ByteSet first = {};
+    first.add(*literal);
+    if (isAsciiLetter(*literal)) first.add(*literal ^ 0x20u);
+    int start = length - literalLength;
+    while (start >= 0) {
+        start = kernels::findByteInRev(text, start + 1, first.words);
+        int i = 1;
+        while (start >= 0 && i < literalLength && upper(text[start + i]) == upper(literal[i])) ++i;
+        if (start < 0 || i >= literalLength) break;
+        --start;
     }
-    return -1;
+    return start;
 }
 
 /// Length of the text up to the end of the last occurrence of the pattern's trailing literal: no
