@@ -1,4 +1,4 @@
-// Where the plan allows it, a block is searched in large pieces, each with a budget of a few steps
+// Where the plan allows it, a block is searched in large pieces, each with a budget of some steps
 // per byte and never more than one line may spend: so no line of a piece in which the budget lasted
 // can have run out of its own. A piece where it did not last is searched line by line, and the
 // pieces become smaller, until searching them is given up as hopeless.
@@ -10,7 +10,7 @@
 namespace zelgrep {
 namespace {
 
-constexpr int kStepsPerByte = 8;
+constexpr int kStepsPerByte = 64;
 constexpr int kLargestPiece = 1 << 20;
 constexpr int kSmallestPiece = 1 << 12;
 
