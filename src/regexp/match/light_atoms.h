@@ -172,7 +172,7 @@ struct ShorthandAtom {
 };
 
 /// The last character of a letter or range; the ends of ranges are unsigned.
-unsigned lastOf(const Node& member) {
+inline unsigned lastOf(const Node& member) {
     return member.kind == NodeLetter ? static_cast<Zel8u>(member.value)
                                      : static_cast<unsigned>(member.count);
 }
