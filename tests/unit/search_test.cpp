@@ -497,4 +497,24 @@ TYPED_TEST(Search, LengthsNear31BitsDoNotOverflow) {
     EXPECT_EQ(index, -1);
 }
 
+// Texts that nearly match everywhere, so that a search soon stops to look for one rare element
+// only.
+TEST(Search, Find_LooksAtEveryPlaceBehindManyNearMisses) {
+    const std::string needle = "xyyx";
+    for (int length = 6000; length < 6130; ++length) {
+        for (int place = length - 500; place + 4 <= length; ++place) {
+            std::string text;
+            while (static_cast<int>(text.size()) < length) text += "xy";
+            text.resize(static_cast<std::size_t>(length));
+            text.replace(static_cast<std::size_t>(place), 4, needle);
+            const auto expected = static_cast<int>(text.find(needle));
+            int index = -1;
+            ASSERT_EQ(zelsFind_8u(reinterpret_cast<const Zel8u*>(text.data()), length,
+                                  reinterpret_cast<const Zel8u*>(needle.data()), 4, &index),
+                      zelStatusOk);
+            ASSERT_EQ(index, expected) << length << ' ' << place;
+        }
+    }
+}
+
 }  // namespace
