@@ -39,14 +39,9 @@ TextPairs::TextPairs(const Zel8u* text, int length) : length_(length) {
         const __m128i pairs = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + i));
         const __m128i hashed = _mm_mullo_epi16(pairs, _mm_set1_epi16(static_cast<short>(kFactor)));
         const __m128i slots = _mm_srli_epi16(hashed, 16 - kSlotBits);
-        present_[_mm_extract_epi16(slots, 0)] = 1;
-        present_[_mm_extract_epi16(slots, 1)] = 1;
-        present_[_mm_extract_epi16(slots, 2)] = 1;
-        present_[_mm_extract_epi16(slots, 3)] = 1;
-        present_[_mm_extract_epi16(slots, 4)] = 1;
-        present_[_mm_extract_epi16(slots, 5)] = 1;
-        present_[_mm_extract_epi16(slots, 6)] = 1;
-        present_[_mm_extract_epi16(slots, 7)] = 1;
+        Zel16u slot[8];
+        memcpy(slot, &slots, sizeof slot);
+        for (const Zel16u s : slot) present_[s] = 1;
     }
     for (; i + 1 < length; i += 2) present_[slotOf(text + i)] = 1;
 }
