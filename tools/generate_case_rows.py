@@ -10,20 +10,12 @@ without a mapping share row 0; equal rows are stored once.
 import re
 import sys
 
-HAS_LOWER = 1 << 21
-HAS_UPPER = 1 << 20
+from generate_case_tables import HAS_LOWER, HAS_UPPER, print_array, print_source
 
 
 def read_array(source, name):
     body = re.search(rf'{name}\[\d+\] = {{([^}}]*)}}', source).group(1)
     return [int(v) for v in re.findall(r'-?\d+', body)]
-
-
-def print_array(declaration, values, per_line, width):
-    print(f'const {declaration} = {{')
-    for i in range(0, len(values), per_line):
-        print('    ' + ', '.join(f'{v:{width}}' for v in values[i:i + per_line]) + ',')
-    print('};')
 
 
 def main():
@@ -42,20 +34,16 @@ def main():
     row_of = [rows.setdefault(tuple(deltas(start + i) for i in range(64)), len(rows))
               for start in range(0, 0x10000, 64)]
     assert len(rows) <= 256
-    print('// Written by tools/generate_case_rows.py from case_tables.cpp; do not edit.')
-    print('#include "string/kernels/case_rows.h"')
-    print()
-    print('// clang-format off')
-    print('namespace zel::case_rows {')
-    print()
-    print_array('Zel8u kRowOf[1024]', row_of, 32, 2)
-    for direction, name in enumerate(('kToLower', 'kToUpper')):
-        print()
-        flat = [delta[direction] & 0xFFFF for row in rows for delta in row]
-        print_array(f'Zel16u {name}[{len(rows)} * kRowLength]', flat, 16, 4)
-    print()
-    print('}  // namespace zel::case_rows')
-    print('// clang-format on')
+
+    def print_arrays():
+        print_array('Zel8u kRowOf[1024]', row_of, 2, 32)
+        for direction, name in enumerate(('kToLower', 'kToUpper')):
+            print()
+            flat = [delta[direction] & 0xFFFF for row in rows for delta in row]
+            print_array(f'Zel16u {name}[{len(rows)} * kRowLength]', flat, 4, 16)
+
+    print_source('tools/generate_case_rows.py from case_tables.cpp',
+                 'string/kernels/case_rows.h', 'case_rows', print_arrays)
 
 
 if __name__ == '__main__':

@@ -124,12 +124,25 @@ def build(rows):
     return block_starts, entries, list(words)
 
 
-def print_array(declaration, values, width):
+def print_array(declaration, values, width, per_line=None):
     print(f'const {declaration} = {{')
-    per_line = 95 // (width + 2)
+    per_line = per_line or 95 // (width + 2)
     for i in range(0, len(values), per_line):
         print('    ' + ', '.join(f'{v:{width}}' for v in values[i:i + per_line]) + ',')
     print('};')
+
+
+def print_source(origin, header, namespace, print_arrays):
+    print(f'// Written by {origin}; do not edit.')
+    print(f'#include "{header}"')
+    print()
+    print('// clang-format off')
+    print(f'namespace zel::{namespace} {{')
+    print()
+    print_arrays()
+    print()
+    print(f'}}  // namespace zel::{namespace}')
+    print('// clang-format on')
 
 
 def main():
@@ -140,20 +153,16 @@ def main():
         sys.exit(f'{len(a)} property words do not fit the table')
     a += [0] * (128 - len(a))
     signed = [word - (1 << 32) if word >> 31 else word for word in a]
-    print('// Written by tools/generate_case_tables.py from Unicode 2.0.14; do not edit.')
-    print('#include "string/case_tables.h"')
-    print()
-    print('// clang-format off')
-    print('namespace zel::case_tables {')
-    print()
-    print_array('Zel16u X[1024]', x, 4)
-    print()
-    print_array(f'Zel8u Y[{len(y)}]', y, 3)
-    print()
-    print_array('int A[128]', signed, 11)
-    print()
-    print('}  // namespace zel::case_tables')
-    print('// clang-format on')
+
+    def print_arrays():
+        print_array('Zel16u X[1024]', x, 4)
+        print()
+        print_array(f'Zel8u Y[{len(y)}]', y, 3)
+        print()
+        print_array('int A[128]', signed, 11)
+
+    print_source('tools/generate_case_tables.py from Unicode 2.0.14',
+                 'string/case_tables.h', 'case_tables', print_arrays)
 
 
 if __name__ == '__main__':

@@ -53,13 +53,12 @@ ZEL_INLINE Vec<Zel16u> convertAscii(Vec<Zel16u> v) {
         return ToUpperLatin{}(v);
 }
 
-#if defined(ZEL_ISA_AVX512)
-
-ZEL_INLINE __mmask32 inRange(__m512i v, Zel16u first, Zel16u last) {
-    const __m512i offset = _mm512_sub_epi16(v, _mm512_set1_epi16(static_cast<short>(first)));
-    const auto span = static_cast<short>(last - first);
-    return _mm512_cmple_epu16_mask(offset, _mm512_set1_epi16(span));
+/// The units from first to last.
+ZEL_INLINE Mask<Zel16u> unitsBetween(Vec<Zel16u> v, Zel16u first, Zel16u last) {
+    return rangeMask(v, first, static_cast<Zel16u>(last - first + 1));
 }
+
+#if defined(ZEL_ISA_AVX512)
 
 template <Case to>
 class TableRule {
@@ -71,15 +70,18 @@ public:
         const __m512i v = text.v;
         const Vec<Zel16u> ascii = convertAscii<to>(text);
         // No unit from 0x80 to 0xBF has a mapping.
-        const __mmask32 other = ~(_mm512_cmplt_epu16_mask(v, _mm512_set1_epi16(0xC0)) |
-                                  inRange(v, kCaselessHighFirst, kCaselessHighLast));
+        const Mask<Zel16u> unmapped =
+            unitsBetween(text, 0, 0xBF) | unitsBetween(text, kCaselessHighFirst, kCaselessHighLast);
+        const auto other = static_cast<__mmask32>((~unmapped).bits);
         if (other == 0) return ascii;
 
         const __m512i rows = _mm512_srli_epi16(v, 6);
         const __mmask32 inA = _mm512_mask_cmpeq_epi16_mask(other, rows, a_.row);
         const __mmask32 inB = _mm512_mask_cmpeq_epi16_mask(other, rows, b_.row);
         const __m512i result = b_.add(inB, a_.add(inA, ascii.v, v), v);
-        const __mmask32 left = other & ~(inA | inB | inRange(v, kCaselessFirst, kCaselessLast));
+        const auto caseless =
+            static_cast<__mmask32>(unitsBetween(text, kCaselessFirst, kCaselessLast).bits);
+        const __mmask32 left = other & ~(inA | inB | caseless);
         if (left == 0) [[likely]]
             return {result};
         return {convertOtherRows(left, result, v, rows)};
@@ -140,9 +142,8 @@ private:
     /// Whether each unit is below 0x80 or in the long range without case.
     ZEL_INLINE static bool areAsciiOrCaseless(Vec<Zel16u> v) {
         using namespace case_rows;
-        constexpr auto kSpan = static_cast<Zel16u>(kCaselessHighLast - kCaselessHighFirst + 1);
-        const Mask<Zel16u> ascii = rangeMask(v, Zel16u{0}, Zel16u{0x80});
-        const Mask<Zel16u> caseless = rangeMask(v, kCaselessHighFirst, kSpan);
+        const Mask<Zel16u> ascii = unitsBetween(v, 0, 0x7F);
+        const Mask<Zel16u> caseless = unitsBetween(v, kCaselessHighFirst, kCaselessHighLast);
         return (ascii | caseless).isAll();
     }
 };

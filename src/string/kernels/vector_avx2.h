@@ -80,36 +80,50 @@ template <typename T>
 ZEL_INLINE Vec<T> operator|(Vec<T> a, Vec<T> b) {
     return {_mm256_or_si256(a.v, b.v)};
 }
-
-/// A lane is all ones where it hits.
 template <typename T>
-struct Hits {
-    __m256i hit;
-
-    ZEL_INLINE Mask<T> mask() const {
-        const auto bits = static_cast<unsigned>(_mm256_movemask_epi8(hit));
-        return {sizeof(T) == 1 ? bits : bits & 0x55555555};
-    }
-    ZEL_INLINE bool any() const { return _mm256_movemask_epi8(hit) != 0; }
-    friend ZEL_INLINE Hits operator|(Hits a, Hits b) { return {_mm256_or_si256(a.hit, b.hit)}; }
-    friend ZEL_INLINE Hits operator&(Hits a, Hits b) { return {_mm256_and_si256(a.hit, b.hit)}; }
-};
-
+ZEL_INLINE Vec<T> operator+(Vec<T> a, Vec<T> b) {
+    if constexpr (sizeof(T) == 1)
+        return {_mm256_add_epi8(a.v, b.v)};
+    else
+        return {_mm256_add_epi16(a.v, b.v)};
+}
+/// a where b has no bits.
 template <typename T>
-ZEL_INLINE Hits<T> equal(Vec<T> a, Vec<T> b) {
+ZEL_INLINE Vec<T> andNot(Vec<T> a, Vec<T> b) {
+    return {_mm256_andnot_si256(b.v, a.v)};
+}
+
+/// All ones in the lanes where a equals b, or is greater as a signed number.
+template <typename T>
+ZEL_INLINE Vec<T> equalLanes(Vec<T> a, Vec<T> b) {
     if constexpr (sizeof(T) == 1)
         return {_mm256_cmpeq_epi8(a.v, b.v)};
     else
         return {_mm256_cmpeq_epi16(a.v, b.v)};
 }
 template <typename T>
-ZEL_INLINE Hits<T> andEqual(Hits<T> hits, Vec<T> a, Vec<T> b) {
-    return hits & equal(a, b);
+ZEL_INLINE Vec<T> greaterLanes(Vec<T> a, Vec<T> b) {
+    if constexpr (sizeof(T) == 1)
+        return {_mm256_cmpgt_epi8(a.v, b.v)};
+    else
+        return {_mm256_cmpgt_epi16(a.v, b.v)};
+}
+
+/// The top bits of all bytes.
+template <typename T>
+ZEL_INLINE uint32_t topBits(Vec<T> a) {
+    return static_cast<uint32_t>(_mm256_movemask_epi8(a.v));
 }
 template <typename T>
-ZEL_INLINE uint64_t equalBits(Vec<T> a, Vec<T> b) {
-    return equal(a, b).mask().bits;
+ZEL_INLINE bool isZero(Vec<T> a) {
+    return _mm256_testz_si256(a.v, a.v) != 0;
 }
+
+}  // namespace zel::ZEL_ISA
+
+#include "string/kernels/vector_narrow.h"
+
+namespace zel::ZEL_ISA {
 
 /// Two vectors of units as one of bytes, groups of eight units of a and b taking turns: saturated
 /// (units of 0x100 to 0x7FFF to 0xFF, those above to 0), the low bytes, the high bytes.
@@ -122,81 +136,6 @@ ZEL_INLINE Vec<Zel8u> packLow(Vec<Zel16u> a, Vec<Zel16u> b) {
 }
 ZEL_INLINE Vec<Zel8u> packHigh(Vec<Zel16u> a, Vec<Zel16u> b) {
     return {_mm256_packus_epi16(_mm256_srli_epi16(a.v, 8), _mm256_srli_epi16(b.v, 8))};
-}
-
-/// A lane is not zero where two vectors differ.
-template <typename T>
-struct Differences {
-    __m256i v;
-
-    ZEL_INLINE Mask<T> mask() const { return ~equal(Vec<T>{v}, Vec<T>::zero()).mask(); }
-    ZEL_INLINE bool any() const { return _mm256_testz_si256(v, v) == 0; }
-    friend ZEL_INLINE Differences operator|(Differences a, Differences b) {
-        return {_mm256_or_si256(a.v, b.v)};
-    }
-};
-
-template <typename T>
-ZEL_INLINE Differences<T> difference(Vec<T> a, Vec<T> b) {
-    return {(a ^ b).v};
-}
-/// The differences so far and those of a and b.
-template <typename T>
-ZEL_INLINE Differences<T> andDifference(Differences<T> soFar, Vec<T> a, Vec<T> b) {
-    return soFar | difference(a, b);
-}
-
-/// Where two vectors differ when A-Z and a-z are alike: the case bit of a difference does not count
-/// where one of the two, and so the other, is a letter.
-template <typename T>
-ZEL_INLINE Differences<T> differenceIgnoringLatinCase(Vec<T> a, Vec<T> b) {
-    constexpr int kLowest = sizeof(T) == 1 ? 0x80 : 0x8000;
-    const Vec<T> caseBit = Vec<T>::splat(0x20);
-    const Vec<T> small = a | caseBit;
-    const auto limit = Vec<T>::splat(static_cast<T>(kLowest + 26)).v;
-    const auto shift = Vec<T>::splat(static_cast<T>(kLowest - 'a')).v;
-    Vec<T> isLetter;
-    if constexpr (sizeof(T) == 1)
-        isLetter.v = _mm256_cmpgt_epi8(limit, _mm256_add_epi8(small.v, shift));
-    else
-        isLetter.v = _mm256_cmpgt_epi16(limit, _mm256_add_epi16(small.v, shift));
-    return {_mm256_andnot_si256((isLetter & caseBit).v, (a ^ b).v)};
-}
-
-/// Adds delta to the elements from low to low + count - 1. The comparison is signed, so the range
-/// is moved to the lowest signed values first.
-template <typename T>
-ZEL_INLINE Vec<T> addInRange(Vec<T> v, T low, T count, T delta) {
-    constexpr int kLowest = sizeof(T) == 1 ? 0x80 : 0x8000;
-    const auto limit = Vec<T>::splat(static_cast<T>(kLowest + count)).v;
-    const auto shift = Vec<T>::splat(static_cast<T>(kLowest - low)).v;
-    const auto step = Vec<T>::splat(delta).v;
-    if constexpr (sizeof(T) == 1) {
-        const auto inside = _mm256_cmpgt_epi8(limit, _mm256_add_epi8(v.v, shift));
-        return {_mm256_add_epi8(v.v, _mm256_and_si256(inside, step))};
-    } else {
-        const auto inside = _mm256_cmpgt_epi16(limit, _mm256_add_epi16(v.v, shift));
-        return {_mm256_add_epi16(v.v, _mm256_and_si256(inside, step))};
-    }
-}
-
-/// v with `to` where it equals `from`.
-template <typename T>
-ZEL_INLINE Vec<T> replaceEqual(Vec<T> v, Vec<T> from, Vec<T> to) {
-    const Vec<T> hit{equal(v, from).hit};
-    return (hit & to) | Vec<T>{_mm256_andnot_si256(hit.v, v.v)};
-}
-
-/// The units from low to low + count - 1.
-ZEL_INLINE Mask<Zel16u> rangeMask(Vec<Zel16u> v, Zel16u low, Zel16u count) {
-    const auto limit = Vec<Zel16u>::splat(static_cast<Zel16u>(0x8000 + count)).v;
-    const auto shift = Vec<Zel16u>::splat(static_cast<Zel16u>(0x8000 - low)).v;
-    return Hits<Zel16u>{_mm256_cmpgt_epi16(limit, _mm256_add_epi16(v.v, shift))}.mask();
-}
-
-/// The bytes from 0x80 to 0xBF.
-ZEL_INLINE Mask<Zel8u> continuations(Vec<Zel8u> v) {
-    return Hits<Zel8u>{_mm256_cmpgt_epi8(_mm256_set1_epi8(-64), v.v)}.mask();
 }
 
 /// The two halves, and two pieces of nothing.

@@ -148,24 +148,33 @@ ZEL_INLINE Differences<T> andDifference(Differences<T> soFar, Vec<T> a, Vec<T> b
     return {_mm512_ternarylogic_epi64(soFar.v, a.v, b.v, kAOrBXorC)};
 }
 
+/// The elements from low to low + count - 1.
+template <typename T>
+ZEL_INLINE Mask<T> rangeMask(Vec<T> v, T low, T count) {
+    const __m512i limit = Vec<T>::splat(count).v;
+    if constexpr (sizeof(T) == 1)
+        return {_mm512_cmplt_epu8_mask(_mm512_sub_epi8(v.v, Vec<T>::splat(low).v), limit)};
+    else
+        return {_mm512_cmplt_epu16_mask(_mm512_sub_epi16(v.v, Vec<T>::splat(low).v), limit)};
+}
+
+/// v with those of `to` in the lanes of the mask.
+template <typename T>
+ZEL_INLINE Vec<T> blend(Mask<T> lanes, Vec<T> v, Vec<T> to) {
+    if constexpr (sizeof(T) == 1)
+        return {_mm512_mask_mov_epi8(v.v, lanes.bits, to.v)};
+    else
+        return {_mm512_mask_mov_epi16(v.v, static_cast<__mmask32>(lanes.bits), to.v)};
+}
+
 /// Where two vectors differ when A-Z and a-z are alike: the case bit of a difference does not count
 /// where one of the two, and so the other, is a letter.
 template <typename T>
 ZEL_INLINE Differences<T> differenceIgnoringLatinCase(Vec<T> a, Vec<T> b) {
-    const __m512i caseBit = Vec<T>::splat(0x20).v;
-    const __m512i small = _mm512_or_si512(a.v, caseBit);
-    __m512i ignored;
-    if constexpr (sizeof(T) == 1) {
-        const __m512i offset = _mm512_sub_epi8(small, Vec<T>::splat('a').v);
-        ignored =
-            _mm512_maskz_mov_epi8(_mm512_cmplt_epu8_mask(offset, Vec<T>::splat(26).v), caseBit);
-    } else {
-        const __m512i offset = _mm512_sub_epi16(small, Vec<T>::splat('a').v);
-        ignored =
-            _mm512_maskz_mov_epi16(_mm512_cmplt_epu16_mask(offset, Vec<T>::splat(26).v), caseBit);
-    }
-    const __m512i raw = _mm512_xor_si512(a.v, b.v);
-    return {_mm512_andnot_si512(ignored, raw)};
+    const Vec<T> caseBit = Vec<T>::splat(0x20);
+    const Mask<T> letters = rangeMask(a | caseBit, T{'a'}, T{26});
+    const Vec<T> ignored = blend(letters, Vec<T>::zero(), caseBit);
+    return {_mm512_andnot_si512(ignored.v, (a ^ b).v)};
 }
 
 /// The elements of v, in order, at the lanes of the mask; the others are zero.
@@ -204,24 +213,18 @@ ZEL_INLINE Vec<T> loadInto(Vec<T> v, uint64_t mask, const T* p) {
 /// Adds delta to the elements from low to low + count - 1.
 template <typename T>
 ZEL_INLINE Vec<T> addInRange(Vec<T> v, T low, T count, T delta) {
-    const __m512i limit = Vec<T>::splat(count).v;
+    const Mask<T> lanes = rangeMask(v, low, count);
     const __m512i step = Vec<T>::splat(delta).v;
-    if constexpr (sizeof(T) == 1) {
-        const __m512i offset = _mm512_sub_epi8(v.v, Vec<T>::splat(low).v);
-        return {_mm512_mask_add_epi8(v.v, _mm512_cmplt_epu8_mask(offset, limit), v.v, step)};
-    } else {
-        const __m512i offset = _mm512_sub_epi16(v.v, Vec<T>::splat(low).v);
-        return {_mm512_mask_add_epi16(v.v, _mm512_cmplt_epu16_mask(offset, limit), v.v, step)};
-    }
+    if constexpr (sizeof(T) == 1)
+        return {_mm512_mask_add_epi8(v.v, lanes.bits, v.v, step)};
+    else
+        return {_mm512_mask_add_epi16(v.v, static_cast<__mmask32>(lanes.bits), v.v, step)};
 }
 
 /// v with `to` where it equals `from`.
 template <typename T>
 ZEL_INLINE Vec<T> replaceEqual(Vec<T> v, Vec<T> from, Vec<T> to) {
-    if constexpr (sizeof(T) == 1)
-        return {_mm512_mask_mov_epi8(v.v, _mm512_cmpeq_epi8_mask(v.v, from.v), to.v)};
-    else
-        return {_mm512_mask_mov_epi16(v.v, _mm512_cmpeq_epi16_mask(v.v, from.v), to.v)};
+    return blend(Mask<T>{equalBits(v, from)}, v, to);
 }
 
 /// The bytes from 0x80 to 0xBF.

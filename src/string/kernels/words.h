@@ -20,7 +20,31 @@ constexpr Zel32u power(Zel32u base, int exponent) {
     return result;
 }
 
+/// All words of a vector combined to one, half with half. (The compiler's own sum of all lanes is
+/// one of signed integers, which may not overflow.)
+struct Sum {
+    ZEL_INLINE static __m128i of(__m128i a, __m128i b) { return _mm_add_epi32(a, b); }
+};
+struct ExclusiveOr {
+    ZEL_INLINE static __m128i of(__m128i a, __m128i b) { return _mm_xor_si128(a, b); }
+};
+template <typename Combine>
+ZEL_INLINE Zel32u combineWords(__m128i v) {
+    v = Combine::of(v, _mm_srli_si128(v, 8));
+    v = Combine::of(v, _mm_srli_si128(v, 4));
+    return static_cast<Zel32u>(_mm_cvtsi128_si32(v));
+}
+
 #if defined(ZEL_ISA_AVX512)
+
+template <typename Combine>
+ZEL_INLINE Zel32u combineWords(__m512i v) {
+    const __m256i half = _mm512_extracti64x4_epi64(v, 1);
+    const __m128i a = Combine::of(_mm512_castsi512_si128(v), _mm256_castsi256_si128(half));
+    const __m128i b =
+        Combine::of(_mm512_extracti64x2_epi64(v, 1), _mm256_extracti128_si256(half, 1));
+    return combineWords<Combine>(Combine::of(a, b));
+}
 
 struct Words {
     static constexpr int kLanes = 16;
@@ -34,23 +58,8 @@ struct Words {
     ZEL_INLINE static Words splat(Zel32u x) { return {_mm512_set1_epi32(static_cast<int>(x))}; }
     ZEL_INLINE static Words load(const Zel32u* p) { return {_mm512_loadu_si512(p)}; }
     ZEL_INLINE Words shiftLeft(Words by) const { return {_mm512_sllv_epi32(v, by.v)}; }
-    /// The compiler's own sum of all lanes is one of signed integers, which may not overflow.
-    ZEL_INLINE Zel32u sum() const {
-        const __m256i half =
-            _mm256_add_epi32(_mm512_castsi512_si256(v), _mm512_extracti64x4_epi64(v, 1));
-        __m128i x = _mm_add_epi32(_mm256_castsi256_si128(half), _mm256_extracti128_si256(half, 1));
-        x = _mm_add_epi32(x, _mm_srli_si128(x, 8));
-        x = _mm_add_epi32(x, _mm_srli_si128(x, 4));
-        return static_cast<Zel32u>(_mm_cvtsi128_si32(x));
-    }
-    ZEL_INLINE Zel32u exclusiveOr() const {
-        const __m256i half =
-            _mm256_xor_si256(_mm512_castsi512_si256(v), _mm512_extracti64x4_epi64(v, 1));
-        __m128i x = _mm_xor_si128(_mm256_castsi256_si128(half), _mm256_extracti128_si256(half, 1));
-        x = _mm_xor_si128(x, _mm_srli_si128(x, 8));
-        x = _mm_xor_si128(x, _mm_srli_si128(x, 4));
-        return static_cast<Zel32u>(_mm_cvtsi128_si32(x));
-    }
+    ZEL_INLINE Zel32u sum() const { return combineWords<Sum>(v); }
+    ZEL_INLINE Zel32u exclusiveOr() const { return combineWords<ExclusiveOr>(v); }
 
     friend ZEL_INLINE Words operator+(Words a, Words b) { return {_mm512_add_epi32(a.v, b.v)}; }
     friend ZEL_INLINE Words operator-(Words a, Words b) { return {_mm512_sub_epi32(a.v, b.v)}; }
@@ -105,6 +114,12 @@ ZEL_INLINE Words polynomials(Vec<Zel16u> v) {
 
 #elif defined(ZEL_ISA_AVX2)
 
+template <typename Combine>
+ZEL_INLINE Zel32u combineWords(__m256i v) {
+    return combineWords<Combine>(
+        Combine::of(_mm256_castsi256_si128(v), _mm256_extracti128_si256(v, 1)));
+}
+
 struct Words {
     static constexpr int kLanes = 8;
     __m256i v;
@@ -118,18 +133,8 @@ struct Words {
         return {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))};
     }
     ZEL_INLINE Words shiftLeft(Words by) const { return {_mm256_sllv_epi32(v, by.v)}; }
-    ZEL_INLINE Zel32u sum() const {
-        __m128i x = _mm_add_epi32(_mm256_castsi256_si128(v), _mm256_extracti128_si256(v, 1));
-        x = _mm_add_epi32(x, _mm_srli_si128(x, 8));
-        x = _mm_add_epi32(x, _mm_srli_si128(x, 4));
-        return static_cast<Zel32u>(_mm_cvtsi128_si32(x));
-    }
-    ZEL_INLINE Zel32u exclusiveOr() const {
-        __m128i x = _mm_xor_si128(_mm256_castsi256_si128(v), _mm256_extracti128_si256(v, 1));
-        x = _mm_xor_si128(x, _mm_srli_si128(x, 8));
-        x = _mm_xor_si128(x, _mm_srli_si128(x, 4));
-        return static_cast<Zel32u>(_mm_cvtsi128_si32(x));
-    }
+    ZEL_INLINE Zel32u sum() const { return combineWords<Sum>(v); }
+    ZEL_INLINE Zel32u exclusiveOr() const { return combineWords<ExclusiveOr>(v); }
 
     friend ZEL_INLINE Words operator+(Words a, Words b) { return {_mm256_add_epi32(a.v, b.v)}; }
     friend ZEL_INLINE Words operator-(Words a, Words b) { return {_mm256_sub_epi32(a.v, b.v)}; }
@@ -191,16 +196,8 @@ struct Words {
         const __m128i exponent = _mm_slli_epi32(_mm_add_epi32(by.v, _mm_set1_epi32(127)), 23);
         return *this * Words{_mm_cvttps_epi32(_mm_castsi128_ps(exponent))};
     }
-    ZEL_INLINE Zel32u sum() const {
-        __m128i x = _mm_add_epi32(v, _mm_srli_si128(v, 8));
-        x = _mm_add_epi32(x, _mm_srli_si128(x, 4));
-        return static_cast<Zel32u>(_mm_cvtsi128_si32(x));
-    }
-    ZEL_INLINE Zel32u exclusiveOr() const {
-        __m128i x = _mm_xor_si128(v, _mm_srli_si128(v, 8));
-        x = _mm_xor_si128(x, _mm_srli_si128(x, 4));
-        return static_cast<Zel32u>(_mm_cvtsi128_si32(x));
-    }
+    ZEL_INLINE Zel32u sum() const { return combineWords<Sum>(v); }
+    ZEL_INLINE Zel32u exclusiveOr() const { return combineWords<ExclusiveOr>(v); }
 
     friend ZEL_INLINE Words operator+(Words a, Words b) { return {_mm_add_epi32(a.v, b.v)}; }
     friend ZEL_INLINE Words operator-(Words a, Words b) { return {_mm_sub_epi32(a.v, b.v)}; }
