@@ -81,6 +81,19 @@ struct Node {
 };
 static_assert(sizeof(Node) == 24);
 
+/// Whether the node repeats the atom or group in front of it.
+inline bool isQuantifier(const Node& node) {
+    return node.kind == NodeQuantifierMin || node.kind == NodeQuantifierMax;
+}
+
+/// The first bar of group `serial`, 0 for the top level, among the nodes from `from` up to `to`, or
+/// `to`.
+inline int nextBar(const Node* nodes, int from, int to, int serial) {
+    while (from < to && !(nodes[from].kind == NodeAlternative && nodes[from].value == serial))
+        ++from;
+    return from;
+}
+
 /// One capture: slot 0 is the whole match. A slot that has not taken part holds (null, -1).
 struct CaptureRecord {
     const Zel8u* text;

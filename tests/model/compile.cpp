@@ -14,9 +14,6 @@ bool isDigit(int c) {
     return c >= '0' && c <= '9';
 }
 
-bool isQuantifier(const Node& node) {
-    return node.kind == zel::NodeQuantifierMin || node.kind == zel::NodeQuantifierMax;
-}
 bool isLookBehind(const Node& node) {
     return node.kind == zel::NodeGroupingLookBehind || node.kind == zel::NodeGroupingLookBehindNot;
 }

@@ -5,10 +5,6 @@
 namespace model {
 namespace {
 
-bool isQuantifier(const Node& node) {
-    return node.kind == zel::NodeQuantifierMin || node.kind == zel::NodeQuantifierMax;
-}
-
 /// Whether the node at `node` is the quantifier of the atom in front.
 bool quantifiedAt(const Context& c, int node) {
     return node < c.end && isQuantifier(c.nodes[node]);

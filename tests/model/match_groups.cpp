@@ -6,10 +6,6 @@
 namespace model {
 namespace {
 
-bool isQuantifier(const Node& node) {
-    return node.kind == zel::NodeQuantifierMin || node.kind == zel::NodeQuantifierMax;
-}
-
 /// A group as its opening node and what follows its closing node describe it.
 struct Group {
     int open;

@@ -38,10 +38,6 @@ private:
     char* base_;
 };
 
-bool isQuantifier(const Node& node) {
-    return node.kind == NodeQuantifierMin || node.kind == NodeQuantifierMax;
-}
-
 bool isOpening(const Node& node) {
     return node.kind >= NodeGroupingLookBehind && node.kind <= NodeGroupingAtom;
 }

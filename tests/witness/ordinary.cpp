@@ -124,10 +124,6 @@ private:
     std::vector<int> closed_;  // groups that cannot be empty
 };
 
-bool isQuantifier(const zel::Node& node) {
-    return node.kind == zel::NodeQuantifierMin || node.kind == zel::NodeQuantifierMax;
-}
-
 /// Whether one of the deliberate differences can show in a pattern.
 bool mayDiffer(const ZelRegExpState& state, const std::string& pattern) {
     // A lazy quantifier of a shorthand may have been merged into a greedy one.

@@ -26,10 +26,6 @@ namespace zel {
 inline constexpr int kNoTrailingLiteral = -1;
 inline constexpr int kTrailingLiteralBlocked = -2;  // behind a top-level bar
 
-inline bool isQuantifier(const Node& node) {
-    return node.kind == NodeQuantifierMax || node.kind == NodeQuantifierMin;
-}
-
 class Compiler {
 public:
     /// `firstNode` nodes have been written already; `groupCount` is the number of capturing groups

@@ -32,21 +32,11 @@ ByteSet Planner::atomBytes(int index, Zel32u flags) const {
     const Node& node = nodes_[index];
     switch (node.kind) {
         case NodeLetter:
-        case NodeString: {
-            const Zel8u letter = node.kind == NodeLetter ? static_cast<Zel8u>(node.value)
-                                                         : *static_cast<const Zel8u*>(node.data);
-            return literalByte(letter, flags);
-        }
-        case NodeLetterRange:
-            return shorthandBytes(node.value, flags);
-        case NodeCharacterClass: {
-            if (utf8_) return firstBytesOfClass(node, flags);
-            ClassSet set;
-            buildClassSet(node, flags, set);
-            return set.bytes;
-        }
+            return literalByte(static_cast<Zel8u>(node.value), flags);
+        case NodeString:
+            return literalByte(*static_cast<const Zel8u*>(node.data), flags);
         default:
-            return firstBytesOfCodePoints(node, flags);
+            return firstBytes(node, flags, utf8_);
     }
 }
 
@@ -70,12 +60,8 @@ bool Planner::beginBody(int open, Zel32u flags, Beginning& result) {
     for (int first = open + 1;;) {
         Beginning part;
         if (!add(begin(first, flags, part), part, result)) return false;
-        int bar = first;
-        while (bar < close &&
-               !(nodes_[bar].kind == NodeAlternative && nodes_[bar].value == nodes_[open].value)) {
-            ++bar;
-            ++effort_;
-        }
+        const int bar = nextBar(nodes_, first, close, nodes_[open].value);
+        effort_ += bar - first;
         if (bar == close) return true;
         flags = static_cast<Zel32u>(nodes_[bar].count);
         first = bar + 1;
@@ -166,10 +152,7 @@ Planner::Lead Planner::leadFrom(int index, Zel32u flags) const {
                 const int close = closeOf(lead.index);
                 const Node* repeat = quantifier(close + 1);
                 if (repeat != nullptr && repeat->value < 1) return lead;
-                for (int i = lead.index + 1; i < close; ++i) {
-                    if (nodes_[i].kind == NodeAlternative && nodes_[i].value == node.value)
-                        return lead;
-                }
+                if (nextBar(nodes_, lead.index + 1, close, node.value) != close) return lead;
                 break;
             }
             case NodeGroupingLookBehindNot:
@@ -200,8 +183,8 @@ void Planner::setLiteral(int index, Plan& plan) const {
         plan.literal = static_cast<const Zel8u*>(node.data);
         plan.literalLength = node.count;
     } else {
-        plan.bytes[0] = static_cast<Zel8u>(node.value);
-        plan.literal = plan.bytes;
+        plan.letter = static_cast<Zel8u>(node.value);
+        plan.literal = &plan.letter;
         plan.literalLength = 1;
     }
 }

@@ -66,10 +66,9 @@ bool classAccepts(const Node& head, const Zel8u* text, int codePoint, int length
 void buildClassSet(const Node& head, Zel32u flags, ClassSet& set);
 ByteSet bytesOfClass(const Node& head, Zel32u flags);
 void lookAtWide(const Node& head, Zel32u flags, ClassSet& set);
-/// The bytes that an accepted character can begin with in UTF-8 text, and perhaps others: of a
-/// code-point node, of a bracket class.
-ByteSet firstBytesOfCodePoints(const Node& node, Zel32u flags);
-ByteSet firstBytesOfClass(const Node& head, Zel32u flags);
+/// The bytes that an accepted character can begin with, and perhaps others: of any node that stands
+/// for one character, but a letter.
+ByteSet firstBytes(const Node& node, Zel32u flags, bool utf8);
 /// The set form of any node that stands for one character, but a letter.
 void buildCharacterSet(const Node& node, Zel32u flags, ClassSet& set);
 /// acceptsCharacter for a character of two bytes; notes in the set that its lead byte was met.

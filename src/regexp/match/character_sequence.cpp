@@ -9,24 +9,18 @@
 namespace zel {
 
 bool CharacterSequence::readPart(const Node& node) {
-    ByteSet first = {};
     switch (node.kind) {
         case NodeCharacterClass:
-            first = firstBytesOfClass(node, flags_);
-            break;
         case NodeLetterRange:
-            first = shorthandBytes(node.value, flags_);
-            break;
         case NodeLetterUtf8:
         case NodeUnicodeCategory:
         case NodeUnicodeProperty:
         case NodeUnicodeScript:
-            first = firstBytesOfCodePoints(node, flags_);
             break;
         default:
             return false;
     }
-    if (count_ == 0) first_ = first;
+    if (count_ == 0) first_ = firstBytes(node, flags_, true);
     Part& part = parts_[count_];
     part.node = &node;
     part.isCategory = node.kind == NodeUnicodeCategory;
@@ -49,7 +43,7 @@ bool CharacterSequence::read(const ZelRegExpState& state) {
         Part& part = parts_[count_];
         index += part.node->kind == NodeCharacterClass ? 1 + part.node->count : 1;
         part.min = part.max = 1;
-        if (index == state.nodeCount || nodes[index].kind - NodeQuantifierMin > 1u) continue;
+        if (index == state.nodeCount || !isQuantifier(nodes[index])) continue;
         // Only the end of the pattern takes what it can get.
         const Node& repeat = nodes[index++];
         part.min = repeat.value;

@@ -183,14 +183,14 @@ bool addPlainMember(const Node& member, Zel32u flags, ByteSet& set) {
     }
 }
 
-}  // namespace
-
+/// Of a node that stands for code points.
 ByteSet firstBytesOfCodePoints(const Node& node, Zel32u flags) {
     ByteSet bytes = oneByteCharacters(node, flags);
     bytes.addAll(leadBytes(node, flags));
     return bytes;
 }
 
+/// Of a bracket class in UTF-8 text.
 ByteSet firstBytesOfClass(const Node& head, Zel32u flags) {
     ClassSet set;
     buildClassSet(head, flags, set);
@@ -202,6 +202,8 @@ ByteSet firstBytesOfClass(const Node& head, Zel32u flags) {
     }
     return set.bytes;
 }
+
+}  // namespace
 
 ByteSet bytesOfClass(const Node& head, Zel32u flags) {
     const bool ignoreCase = (flags & kOptionIgnoreCase) != 0;
@@ -215,6 +217,12 @@ ByteSet bytesOfClass(const Node& head, Zel32u flags) {
     }
     if (head.value < 0) set.invert();
     return set;
+}
+
+ByteSet firstBytes(const Node& node, Zel32u flags, bool utf8) {
+    if (node.kind == NodeLetterRange) return shorthandBytes(node.value, flags);
+    if (node.kind != NodeCharacterClass) return firstBytesOfCodePoints(node, flags);
+    return utf8 ? firstBytesOfClass(node, flags) : bytesOfClass(node, flags);
 }
 
 void lookAtWide(const Node& head, Zel32u flags, ClassSet& set) {

@@ -37,7 +37,7 @@ int runChosenBranch(const Zel8u* text, int length, RegExpMatchContext& context) 
             return runFrom(behind, text, length, context);
         }
         // Without a second branch the body is empty.
-        const int bar = nextAlternative(context, behind, close, context.nodes[open].value);
+        const int bar = nextBar(context.nodes, behind, close, context.nodes[open].value);
         if (bar == close) return runFrom(close, text, length, context);
         const Zel32u savedFlags = context.flags;
         context.flags = static_cast<Zel32u>(context.nodes[bar].count);

@@ -111,7 +111,7 @@ bool isHopeless(RegExpMatchContext& context);
 inline const Node* quantifierAt(const RegExpMatchContext& context, int index) {
     if (index >= context.nodeCount) return nullptr;
     const Node* node = &context.nodes[index];
-    return node->kind - NodeQuantifierMin <= NodeQuantifierMax - NodeQuantifierMin ? node : nullptr;
+    return isQuantifier(*node) ? node : nullptr;
 }
 
 /// Runs the program from node `node` on.

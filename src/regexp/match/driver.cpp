@@ -30,23 +30,20 @@ namespace {
 /// Where a search may begin.
 enum class Anchor { kNone, kStart, kLineStart };
 
-Zel8u upper(Zel8u c) {
-    return static_cast<Zel8u>(c - 'a') <= 'z' - 'a' ? static_cast<Zel8u>(c - 0x20) : c;
-}
-
+/// Where the literal stands last, -1 when nowhere.
 int findLastIgnoringCase(const Zel8u* text, int length, const Zel8u* literal, int literalLength) {
     ByteSet first = {};
     first.add(*literal);
     if (isAsciiLetter(*literal)) first.add(*literal ^ 0x20u);
-    int start = length - literalLength;
-    while (start >= 0) {
-        start = kernels::findByteInRev(text, start + 1, first.words);
+    for (int behind = length - literalLength + 1; behind > 0;) {
+        const int start = kernels::findByteInRev(text, behind, first.words);
+        if (start < 0) break;
         int i = 1;
-        while (start >= 0 && i < literalLength && upper(text[start + i]) == upper(literal[i])) ++i;
-        if (start < 0 || i >= literalLength) break;
-        --start;
+        while (i < literalLength && sameByte(text[start + i], literal[i], true)) ++i;
+        if (i >= literalLength) return start;
+        behind = start;
     }
-    return start;
+    return -1;
 }
 
 /// Length of the text up to the end of the last occurrence of the pattern's trailing literal: no
@@ -74,12 +71,7 @@ int narrowedLength(const Zel8u* text, int length, const ZelRegExpState& state) {
 
 /// The first top-level bar from node `from` on, or the number of nodes.
 int topLevelBar(const ZelRegExpState& state, int from) {
-    const Node* nodes = state.nodes();
-    while (from < state.nodeCount &&
-           !(nodes[from].kind == NodeAlternative && nodes[from].value == 0)) {
-        ++from;
-    }
-    return from;
+    return nextBar(state.nodes(), from, state.nodeCount, 0);
 }
 
 Anchor anchorOf(const ZelRegExpState& state, bool hasBars) {
@@ -89,9 +81,7 @@ Anchor anchorOf(const ZelRegExpState& state, bool hasBars) {
     const bool multiLine = (state.options & kOptionMultiLine) != 0;
     if (assertion == '^' && multiLine) return Anchor::kLineStart;
     if (assertion != '^' && assertion != 'A' && assertion != 'G') return Anchor::kNone;
-    const bool optional =
-        state.nodeCount > 1 && nodes[1].value == 0 &&
-        (nodes[1].kind == NodeQuantifierMin || nodes[1].kind == NodeQuantifierMax);
+    const bool optional = state.nodeCount > 1 && nodes[1].value == 0 && isQuantifier(nodes[1]);
     return optional ? Anchor::kNone : Anchor::kStart;
 }
 
@@ -162,40 +152,12 @@ public:
         return false;
     }
 
-    /// For a pattern whose matches are the runs of a set: writes runs from `start` on. False when
-    /// this search has to go the ordinary way.
-    bool collectPlainRuns(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
-        ByteSet bytes;
-        if (pay_ != Pay::kUpperBound) return false;
-        if (!isPlainRun(state_, context_.stack, bytes))
-            return collectLiterals(start, results, capacity, written) ||
-                   collectSequences(start, results, capacity, written);
-        // Each byte outside the runs, each run and the end of the text cost a step.
-        const int length = static_cast<int>(context_.textEnd - start);
-        if (context_.steps <= length) return false;
-        int end = 0;
-        *written = kernels::collectRunsOf(start, length, bytes.words, results, capacity, &end);
-        return true;
-    }
-
-    /// The same for a pattern that is a literal.
-    bool collectLiterals(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
-        const ptrdiff_t length = context_.textEnd - start;
-        PlainLiteral literal;
-        if (context_.steps <= length || !literal.read(state_)) return false;
-        *written = literal.collect(start, context_.textEnd, results, capacity);
-        return true;
-    }
-
-    /// The same for a pattern that is a few characters in a row.
-    bool collectSequences(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
-        constexpr ptrdiff_t kLongText = 200;  // reading the pattern costs as much as some attempts
-        const ptrdiff_t length = context_.textEnd - start;
-        CharacterSequence sequence;
-        if (length < kLongText || !context_.stack.hasRoom(sizeof sequence)) return false;
-        if (!sequence.read(state_) || context_.steps / sequence.price() < length + 2) return false;
-        *written = sequence.collect(start, context_.textEnd, results, capacity);
-        return true;
+    /// Writes all matches from `start` on, for patterns that need no attempts. False when this
+    /// search has to go the ordinary way.
+    bool collectAll(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
+        return pay_ == Pay::kUpperBound && (collectPlainRuns(start, results, capacity, written) ||
+                                            collectLiterals(start, results, capacity, written) ||
+                                            collectSequences(start, results, capacity, written));
     }
 
     /// Tries the start position again, for a match that is not empty.
@@ -218,6 +180,37 @@ private:
     // costs next to nothing.
     static constexpr int kAttemptsBeforePlanning = 8;
     static constexpr int kCandidatesBeforeOneWay = 3;
+
+    /// The matches of a pattern that is a run of a set's bytes.
+    bool collectPlainRuns(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
+        // Each byte outside the runs, each run and the end of the text cost a step.
+        const int length = static_cast<int>(context_.textEnd - start);
+        ByteSet bytes;
+        if (context_.steps <= length || !isPlainRun(state_, context_.stack, bytes)) return false;
+        int end = 0;
+        *written = kernels::collectRunsOf(start, length, bytes.words, results, capacity, &end);
+        return true;
+    }
+
+    /// Of a pattern that is a literal.
+    bool collectLiterals(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
+        const ptrdiff_t length = context_.textEnd - start;
+        PlainLiteral literal;
+        if (context_.steps <= length || !literal.read(state_)) return false;
+        *written = literal.collect(start, context_.textEnd, results, capacity);
+        return true;
+    }
+
+    /// Of a pattern that is a few characters in a row.
+    bool collectSequences(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
+        constexpr ptrdiff_t kLongText = 200;  // reading the pattern costs as much as some attempts
+        const ptrdiff_t length = context_.textEnd - start;
+        CharacterSequence sequence;
+        if (length < kLongText || !context_.stack.hasRoom(sizeof sequence)) return false;
+        if (!sequence.read(state_) || context_.steps / sequence.price() < length + 2) return false;
+        *written = sequence.collect(start, context_.textEnd, results, capacity);
+        return true;
+    }
 
     /// The first allowed start position at or behind `start`, null when there is none.
     const Zel8u* startAt(const Zel8u* start) const {
@@ -342,7 +335,7 @@ ZelStatus findAll(Search& search, const Zel8u* text, int numCaptures, bool whole
     const Zel8u* retryAt = nullptr;  // where an empty match was found and a longer one is wanted
     int written = 0;
     if (recordsPerMatch == 1 && lastFit >= 0 &&
-        search.collectPlainRuns(text, pResult, *pNumFind, pNumFind)) {
+        search.collectAll(text, pResult, *pNumFind, pNumFind)) {
         return zelStatusOk;
     }
     bool found = true;

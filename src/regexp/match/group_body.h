@@ -11,16 +11,6 @@ inline int closingNode(const RegExpMatchContext& context, int open) {
     return open + 1 + context.nodes[open].count;
 }
 
-/// The next bar of group `serial` at or behind node `from` and in front of node `close`, or
-/// `close`.
-inline int nextAlternative(const RegExpMatchContext& context, int from, int close, int serial) {
-    for (int i = from; i < close; ++i) {
-        const Node& node = context.nodes[i];
-        if (node.kind == NodeAlternative && node.value == serial) return i;
-    }
-    return close;
-}
-
 /// Runs the body of the look-around or atomic group that opens at node `open` as a program of its
 /// own: its alternatives in order, each up to the closing node. True when one succeeded; the text
 /// position that it reached is in `context.reached`. Flags and `end` are as before.

@@ -73,7 +73,7 @@ inline bool Walk::tryNextAlternative(Choice& choice, int open) {
     const int close = closingNode(context, open);
     const int serial = context.nodes[open].value;
     for (;;) {
-        const int bar = nextAlternative(context, choice.group.next, close, serial);
+        const int bar = nextBar(context.nodes, choice.group.next, close, serial);
         if (bar == close) return false;
         if (choice.kind == Choice::kRepeat) {
             whole.length = static_cast<int>(text - whole.text) - consumed;

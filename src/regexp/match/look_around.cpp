@@ -19,7 +19,7 @@ bool runSubprogram(int open, const Zel8u* text, int length, RegExpMatchContext& 
         succeeded = runFrom(first, text, length, context) == 0;
         context.flags = savedFlags;
         if (succeeded) break;
-        const int bar = nextAlternative(context, first, close, serial);
+        const int bar = nextBar(context.nodes, first, close, serial);
         if (bar == close) break;
         context.flags = static_cast<Zel32u>(context.nodes[bar].count);
         first = bar + 1;

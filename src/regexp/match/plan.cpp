@@ -211,15 +211,15 @@ bool Planner::addPrefix(int index, Zel32u flags, Plan& plan) const {
 bool Planner::addPrefixes(int from, int to, int serial, Zel32u flags, Plan& plan) const {
     for (;;) {
         if (!addPrefix(from, flags, plan)) return false;
-        while (from < to && !(nodes_[from].kind == NodeAlternative && nodes_[from].value == serial))
-            ++from;
+        from = nextBar(nodes_, from, to, serial);
         if (from == to) return true;
         flags = static_cast<Zel32u>(nodes_[from].count);
         ++from;
     }
 }
 
-/// Two or three positions of every alternative, at top level or in a group that comes first.
+/// What the first two to four characters of every alternative are, at top level or in a group that
+/// comes first.
 bool Planner::planPrefix(Zel32u flags, bool hasBars, Plan& plan) const {
     plan.prefix = {};
     plan.prefix.depth = kernels::PrefixTables::kMaxDepth;
@@ -245,20 +245,8 @@ bool Planner::planPrefix(Zel32u flags, bool hasBars, Plan& plan) const {
     return true;
 }
 
-void Planner::planBytes(Plan& plan) const {
-    const int size = sizeOf(plan.first);
-    if (size == 256 || size == 0) return;
-    plan.kind = size <= 3 ? Plan::kBytes : Plan::kSet;
-    plan.byteCount = 0;
-    for (int c = 0; size <= 3 && c < 256; ++c) {
-        if (plan.first.has(static_cast<Zel8u>(c)))
-            plan.bytes[plan.byteCount++] = static_cast<Zel8u>(c);
-    }
-}
-
 void Planner::make(Zel32u flags, Plan& plan) {
-    int bar = 0;
-    while (bar < count_ && !(nodes_[bar].kind == NodeAlternative && nodes_[bar].value == 0)) ++bar;
+    const int bar = nextBar(nodes_, 0, count_, 0);
     const Lead lead = leadFrom(0, flags);
     if (bar == count_) {
         if (planLiteral(lead, plan) || planBehind(lead, plan) || planLine(flags, plan)) return;
@@ -269,10 +257,7 @@ void Planner::make(Zel32u flags, Plan& plan) {
     for (int first = 0;;) {
         Beginning part;
         if (!add(begin(first, alternativeFlags, part), part, all)) return;
-        while (first < count_ &&
-               !(nodes_[first].kind == NodeAlternative && nodes_[first].value == 0)) {
-            ++first;
-        }
+        first = nextBar(nodes_, first, count_, 0);
         if (first == count_) break;
         alternativeFlags = static_cast<Zel32u>(nodes_[first].count);
         ++first;
@@ -280,7 +265,8 @@ void Planner::make(Zel32u flags, Plan& plan) {
     plan.price = all.price;
     plan.exact = all.exact;
     plan.first = all.bytes;
-    const bool fewBytes = sizeOf(all.bytes) <= 3;
+    const int size = sizeOf(all.bytes);
+    const bool fewBytes = size <= 3;
     if (bar == count_ && !fewBytes) {
         if (planDoubled(lead, plan) || planShape(lead, plan) || planRun(lead, plan)) return;
     }
@@ -289,7 +275,7 @@ void Planner::make(Zel32u flags, Plan& plan) {
     if (planPrefix(flags, bar != count_, plan) && (plan.alternatives > 1 || !fewBytes)) return;
     plan.price = all.price;
     plan.exact = all.exact;
-    planBytes(plan);
+    if (size != 0 && size != 256) plan.kind = Plan::kSet;
 }
 
 /// At the start of a line the ^ holds, and what follows it decides.

@@ -23,7 +23,6 @@ struct Plan {
         kLiteral,  // a match begins with `literal`
         kBehind,   // a match begins directly behind `literal`
         kLine,     // a match begins at the start of a line that holds `literal`
-        kBytes,    // a match begins with one of up to three bytes
         kPrefix,   // a match begins as `prefix` says
         kShape,    // a match begins with bytes of known sets, as `shape` says
         kDoubled,  // a match begins with a byte of `first`, twice
@@ -53,8 +52,7 @@ struct Plan {
     bool ignoreCase;
     int alternatives;  // in `prefix`
     int prefixBuckets;
-    int byteCount;
-    Zel8u bytes[3];
+    Zel8u letter;  // what `literal` points to when it is a letter of the program
     union {
         kernels::PrefixTables prefix;
         kernels::Shape shape;

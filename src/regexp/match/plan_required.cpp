@@ -42,7 +42,7 @@ public:
 
 private:
     const Node* quantifier(int index) const {
-        return nodes_[index].kind - NodeQuantifierMin <= 1u ? &nodes_[index] : nullptr;
+        return isQuantifier(nodes_[index]) ? &nodes_[index] : nullptr;
     }
 
     int atom(int index, int end, int next) {
@@ -60,10 +60,7 @@ private:
         const int close = open + 1 + nodes_[open].count;
         const Node* repeat = close + 1 < end ? quantifier(close + 1) : nullptr;
         const int rest = sequence(repeat != nullptr ? close + 2 : close + 1, end, next);
-        for (int i = open + 1; i < close; ++i) {
-            if (nodes_[i].kind == NodeAlternative && nodes_[i].value == nodes_[open].value)
-                failed_ = true;
-        }
+        if (nextBar(nodes_, open + 1, close, nodes_[open].value) != close) failed_ = true;
         if (repeat == nullptr) return run_.addStep(sequence(open + 1, close, run_.addStep(rest)));
         const bool unbounded = repeat->count == kUnbounded;
         const int count = unbounded ? (repeat->value > 1 ? repeat->value : 1) : repeat->count;

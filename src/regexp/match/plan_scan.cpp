@@ -24,7 +24,7 @@ void Plan::clear() {
     kind = kNone;
     lines = exact = ignoreCase = avoidsWide = triesAreCheap = hasSecond = wordStart = echoes =
         false;
-    price = runPrice = literalLength = alternatives = byteCount = 0;
+    price = runPrice = literalLength = alternatives = 0;
     min = max = 1;
     places_.clear();
     literal = wide_ = required_ = nullptr;
@@ -71,7 +71,6 @@ const Zel8u* Plan::next(const Zel8u* from, const Zel8u* start, const Zel8u* end)
             return nextRunLiteral(from, end);
         case kRequired:
             return nextRequired(from, end);
-        case kBytes:
         case kSet:
             break;
     }

@@ -20,10 +20,6 @@ struct Beginning {
     bool exact = true;
 };
 
-inline void addAll(ByteSet& set, const ByteSet& other) {
-    for (int w = 0; w < 4; ++w) set.words[w] |= other.words[w];
-}
-
 inline bool disjoint(const ByteSet& a, const ByteSet& b) {
     uint64_t common = 0;
     for (int w = 0; w < 4; ++w) common |= a.words[w] & b.words[w];
@@ -57,8 +53,7 @@ private:
     /// First bytes of an atom's characters.
     ByteSet atomBytes(int index, Zel32u flags) const;
     const Node* quantifier(int index) const {
-        return index < count_ && nodes_[index].kind - NodeQuantifierMin <= 1u ? &nodes_[index]
-                                                                              : nullptr;
+        return index < count_ && isQuantifier(nodes_[index]) ? &nodes_[index] : nullptr;
     }
     int behindAtom(int index) const {
         return nodes_[index].kind == NodeCharacterClass ? index + 1 + nodes_[index].count
@@ -75,7 +70,7 @@ private:
     bool beginAtom(int index, Zel32u flags, Beginning& result);
     bool beginGroup(int open, Zel32u flags, Beginning& result);
     bool add(bool known, const Beginning& part, Beginning& result) const {
-        addAll(result.bytes, part.bytes);
+        result.bytes.addAll(part.bytes);
         result.price += part.price;
         result.exact = result.exact && part.exact;
         return known && result.price <= kMaxPrice;
@@ -112,7 +107,6 @@ private:
     bool addPrefixes(int from, int to, int serial, Zel32u flags, Plan& plan) const;
     bool addPrefix(int index, Zel32u flags, Plan& plan) const;
     Zel8u prefixBucket(const Lead& lead, Plan& plan) const;
-    void planBytes(Plan& plan) const;
 
     // plan_shape.cpp
     bool planShape(const Lead& lead, Plan& plan) const;

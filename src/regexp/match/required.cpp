@@ -12,22 +12,11 @@ namespace zel {
 
 namespace {
 
-bool isQuantifier(const Node& node) {
-    return node.kind - NodeQuantifierMin <= NodeQuantifierMax - NodeQuantifierMin;
-}
-
-bool hasBar(const Node* nodes, int from, int to, int serial) {
-    for (int i = from; i < to; ++i) {
-        if (nodes[i].kind == NodeAlternative && nodes[i].value == serial) return true;
-    }
-    return false;
-}
-
 /// Whether each way through the group takes its body once, in order.
 bool isPassedOnce(const Node* nodes, int count, int open) {
     const int close = open + 1 + nodes[open].count;
     return (close + 1 >= count || !isQuantifier(nodes[close + 1])) &&
-           !hasBar(nodes, open + 1, close, nodes[open].value);
+           nextBar(nodes, open + 1, close, nodes[open].value) == close;
 }
 
 }  // namespace
@@ -60,7 +49,7 @@ bool surelyFindsNothing(const ZelRegExpState& state, const TextPairs& pairs) {
             case NodeString:
                 if ((flags & kOptionIgnoreCase) == 0 && node.count >= TextPairs::kShortestLiteral &&
                     !pairs.mayHold(static_cast<const Zel8u*>(node.data), node.count)) {
-                    return !hasBar(nodes, i, count, 0);
+                    return nextBar(nodes, i, count, 0) == count;
                 }
                 ++i;
                 break;
