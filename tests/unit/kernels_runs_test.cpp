@@ -70,7 +70,7 @@ void checkGathered(int length, const IsPlace& isPlace, const Gather& gather,
         ASSERT_GT(result.scanned, 0);
         ASSERT_LE(at + result.scanned, length);
         ASSERT_TRUE(result.count > 0 || at + result.scanned == length);
-        ASSERT_LE(result.count, 64 * Gathered::kBlocks);
+        ASSERT_LE(result.count, Gathered::kRoom);
         for (int i = 0; i < result.count; ++i) {
             ASSERT_LT(result.begin + result.offsets[i], result.scanned);
             met.push_back(at + result.begin + result.offsets[i]);
@@ -121,18 +121,25 @@ TEST(GatherKernels, Doubled) {
 
 TEST(GatherKernels, Shapes) {
     onManyTexts([](std::mt19937& random, const Zel8u* text, int length) {
-        Set sets[zel::kernels::Shape::kProbes];
-        zel::kernels::Shape shape = {};
+        using zel::kernels::Shape;
+        Set sets[Shape::kSets];
+        Shape shape = {};
         shape.length = 1 + static_cast<int>(random() % 20);
-        for (int i = 0; i < zel::kernels::Shape::kProbes; ++i) {
+        shape.setCount = Shape::kSets;
+        for (int i = 0; i < Shape::kSets; ++i) {
             sets[i] = someSet(random, 70);
             std::copy(std::begin(sets[i].words), std::end(sets[i].words), shape.sets[i]);
-            shape.offsets[i] = static_cast<int>(random() % static_cast<unsigned>(shape.length));
+        }
+        shape.probeCount = 2 + static_cast<int>(random() % 4);
+        for (int i = 0; i < shape.probeCount; ++i) {
+            const auto size = static_cast<unsigned>(shape.length);
+            shape.probes[i] = {static_cast<Zel8u>(random() % size),
+                               static_cast<Zel8u>(random() % Shape::kSets)};
         }
         const auto isPlace = [&](int i) {
             if (i + shape.length > length) return false;
-            for (int k = 0; k < zel::kernels::Shape::kProbes; ++k) {
-                if (!sets[k].has(text[i + shape.offsets[k]])) return false;
+            for (int k = 0; k < shape.probeCount; ++k) {
+                if (!sets[shape.probes[k].set].has(text[i + shape.probes[k].offset])) return false;
             }
             return true;
         };

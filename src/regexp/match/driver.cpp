@@ -266,6 +266,11 @@ private:
 
     /// One attempt, without the engine where the pattern allows it.
     bool attemptOneWay(const Zel8u* position) {
+        if (plan_.matchLength > 0 && position < context_.textEnd) {
+            context_.captures[0] = {position, plan_.matchLength};
+            guessed_ = true;
+            return context_.charge(state_.nodeCount);
+        }
         if (plan_.kind != Plan::kNone && ++candidates_ == kCandidatesBeforeOneWay)
             plan_.triesAreCheap = makeOneWay(state_, context_.stack, oneWay_);
         if (oneWay_.isKnown()) {

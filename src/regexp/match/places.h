@@ -12,6 +12,7 @@ public:
     void clear() {
         scanned_ = begin_ = nullptr;
         seen_ = gathered_.count = 0;
+        gathered_.groups = kFewGroups;
     }
 
     /// The first of the places that `gather(position, length, &gathered)` finds which is not in
@@ -27,6 +28,8 @@ public:
             const Zel8u* at = from > scanned_ ? from : scanned_;
             if (at >= end) return end;
             gather(at, static_cast<int>(end - at), &gathered_);
+            // Who has come back for more will want many.
+            if (gathered_.groups < kernels::Gathered::kMostGroups) gathered_.groups *= 2;
             scanned_ = at + gathered_.scanned;
             begin_ = at + gathered_.begin;
             seen_ = 0;
@@ -34,6 +37,8 @@ public:
     }
 
 private:
+    static constexpr int kFewGroups = 2;
+
     kernels::Gathered gathered_;
     const Zel8u* begin_;    // where the offsets gathered count from
     const Zel8u* scanned_;  // as far as was looked, null before that

@@ -33,10 +33,11 @@ struct Plan {
         kSet,         // a match begins with a byte of `first`
     };
     Kind kind;
-    bool lines;    // only starts of lines are tried anyway
-    int price;     // what a rejected start position costs at most
-    int runPrice;  // and, for runs, what each byte behind it in its run adds
-    bool exact;    // whether it costs just that
+    bool lines;       // only starts of lines are tried anyway
+    int price;        // what a rejected start position costs at most
+    int matchLength;  // of the match at every place the plan does not reject; 0 when not known
+    int runPrice;     // and, for runs, what each byte behind it in its run adds
+    bool exact;       // whether it costs just that
     ByteSet first;
     ByteSet behind;
     ByteSet second;  // a run of other bytes between the first run and `literal`
@@ -61,7 +62,7 @@ struct Plan {
 
     /// No plan yet. The rest of the members is for makePlan to fill: most searches never get that
     /// far.
-    Plan() : kind(kNone) {}
+    Plan() : kind(kNone), matchLength(0) {}
     void clear();
 
     /// The first position of [from, end) that the plan does not reject, `end` when there is none.

@@ -24,7 +24,7 @@ void Plan::clear() {
     kind = kNone;
     lines = exact = ignoreCase = avoidsWide = triesAreCheap = hasSecond = wordStart = echoes =
         false;
-    price = runPrice = literalLength = alternatives = 0;
+    price = runPrice = matchLength = literalLength = alternatives = 0;
     min = max = 1;
     places_.clear();
     literal = wide_ = required_ = nullptr;

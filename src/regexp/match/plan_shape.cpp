@@ -1,15 +1,18 @@
 // Plans for matches that begin with a fixed number of bytes, each of a set of its own: dates,
 // times, numbers of a known form. A separator in their midst is rarer than what they begin with.
+#include <string.h>
+
 #include "regexp/match/planner.h"
 
 namespace zel {
 
 /// The sets of the bytes that every match begins with, as far as these are ASCII; answers how many
-/// there are. `nodes`: how many nodes that takes.
-int Planner::readShape(const Lead& lead, ByteSet* sets, int room, int& nodes) const {
+/// there are. `nodes`: how many nodes that takes. `isWhole`: whether matches end there, too.
+int Planner::readShape(const Lead& lead, ByteSet* sets, int room, int& nodes, bool& isWhole) const {
     Zel32u flags = lead.flags;
     int length = 0;
-    for (int i = lead.index; i < count_ && length < room;) {
+    isWhole = false;
+    for (int i = lead.index; i < count_ && length < room; isWhole = i == count_ && length < room) {
         const Node& node = nodes_[i];
         nodes = i + 1 - lead.index;
         switch (node.kind) {
@@ -49,11 +52,23 @@ int Planner::readShape(const Lead& lead, ByteSet* sets, int room, int& nodes) co
     return length;
 }
 
+void Planner::addProbe(int offset, const ByteSet& set, kernels::Shape& shape) const {
+    int number = 0;
+    while (number < shape.setCount &&
+           memcmp(shape.sets[number], set.words, sizeof set.words) != 0) {
+        ++number;
+    }
+    if (number == kernels::Shape::kSets) return;
+    if (number == shape.setCount) memcpy(shape.sets[shape.setCount++], set.words, sizeof set.words);
+    shape.probes[shape.probeCount++] = {static_cast<Zel8u>(offset), static_cast<Zel8u>(number)};
+}
+
 bool Planner::planShape(const Lead& lead, Plan& plan) const {
-    constexpr int kLongest = 24;
+    constexpr int kLongest = kernels::Shape::kMostProbes;
     ByteSet sets[kLongest];
     int nodes = 0;
-    const int length = readShape(lead, sets, kLongest, nodes);
+    bool isWhole = false;
+    const int length = readShape(lead, sets, kLongest, nodes, isWhole);
     // The two smallest sets, and where the shape begins and ends.
     int smallest[2] = {0, 0};
     for (int i = 1; i < length; ++i) {
@@ -69,11 +84,13 @@ bool Planner::planShape(const Lead& lead, Plan& plan) const {
     plan.price = lead.price + nodes;
     plan.exact = false;
     plan.shape.length = length;
-    const int offsets[kernels::Shape::kProbes] = {smallest[0], smallest[1], 0, length - 1};
-    for (int i = 0; i < kernels::Shape::kProbes; ++i) {
-        plan.shape.offsets[i] = offsets[i];
-        for (int w = 0; w < 4; ++w) plan.shape.sets[i][w] = sets[offsets[i]].words[w];
+    plan.shape.probeCount = plan.shape.setCount = 0;
+    for (const int offset : smallest) addProbe(offset, sets[offset], plan.shape);
+    const bool isAll = isWhole && lead.index == 0 && groups_ == 1;
+    for (int i = 0; i < length; i += isAll ? 1 : length - 1) {
+        if (i != smallest[0] && i != smallest[1]) addProbe(i, sets[i], plan.shape);
     }
+    if (isAll && plan.shape.probeCount == length) plan.matchLength = length;
     return true;
 }
 

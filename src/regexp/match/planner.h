@@ -110,7 +110,8 @@ private:
 
     // plan_shape.cpp
     bool planShape(const Lead& lead, Plan& plan) const;
-    int readShape(const Lead& lead, ByteSet* sets, int room, int& nodes) const;
+    int readShape(const Lead& lead, ByteSet* sets, int room, int& nodes, bool& isWhole) const;
+    void addProbe(int offset, const ByteSet& set, kernels::Shape& shape) const;
 
     // plan_required.cpp
     /// plan.first holds what a match can begin with.

@@ -42,12 +42,15 @@ int findBytesIgnoreCase(const Zel8u* p, int len, const Zel8u* needle, int needle
 /// Places in a text, in order: all those below `scanned`, as offsets from `begin`. There may be
 /// none only when all of the text was scanned.
 struct Gathered {
-    static constexpr int kBlocks = 8;  // of 64 positions
+    static constexpr int kGroup = 4;  // blocks of 64 positions
+    static constexpr int kRoom = 3 * 64 * kGroup;
     static constexpr int kSpare = 4;
+    static constexpr int kMostGroups = 32;
+    int groups = 2;  // to search from the first place on, at most: for the caller to set
     int scanned;
     int begin;
     int count;
-    Zel16u offsets[64 * kBlocks + kSpare];  // what stands behind `count` means nothing
+    Zel16u offsets[kRoom + kSpare];  // what stands behind `count` means nothing
 };
 
 /// Places of a needle of at least one byte, and perhaps others that have some of its bytes.
@@ -65,10 +68,17 @@ void gatherDoubled(const Zel8u* p, int len, const uint64_t* set, Gathered* resul
 
 /// A text of a fixed length of which some bytes are known to be in sets.
 struct Shape {
-    static constexpr int kProbes = 4;
+    static constexpr int kMostProbes = 40;
+    static constexpr int kSets = 4;
+    struct Probe {
+        Zel8u offset;
+        Zel8u set;
+    };
     int length;
-    int offsets[kProbes];  // all of them are used; they need not be different
-    uint64_t sets[kProbes][4];
+    int probeCount;  // at least 2; the first two are best those that reject most
+    Probe probes[kMostProbes];
+    int setCount;
+    uint64_t sets[kSets][4];
 };
 /// Where a text of the shape stands.
 void gatherShapes(const Zel8u* p, int len, const Shape* shape, Gathered* result);

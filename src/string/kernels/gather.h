@@ -8,6 +8,8 @@
 // there is a loop for.
 #pragma once
 
+#include <string.h>
+
 #include "string/kernels/byte_runs.h"
 #include "string/kernels/find_element.h"
 #include "string/kernels/find_ignore_case.h"
@@ -15,47 +17,78 @@
 
 namespace zel::ZEL_ISA {
 
-/// Places from the first position of a range on: `bitsAt(position, left)` has a bit for each of the
-/// 64 positions from `position` on, and is asked for those below `positions`. `len` is the length
-/// of the whole text, which is the answer to how far was searched when everything was.
+/// The places among the positions of a group of blocks.
+using GroupBits = uint64_t[kernels::Gathered::kGroup];
+constexpr int kGroupPositions = kMaskBits * kernels::Gathered::kGroup;
+
+/// Places from the first position of a range on. `bitsOf(position, bits)` sets a bit for each place
+/// among those from `position` on which are below `positions`, and says whether there are any.
+/// `len` is the length of the whole text, which is the answer to how far was searched when
+/// everything was.
+template <typename BitsOf>
+ZEL_INLINE void gatherGroups(ptrdiff_t first, ptrdiff_t positions, int len, const BitsOf& bitsOf,
+                             kernels::Gathered* result) {
+    using kernels::Gathered;
+    constexpr int kLast = Gathered::kRoom - kGroupPositions;  // there is room for one more group
+    result->begin = 0;
+    Zel16u* out = result->offsets;
+    ptrdiff_t at = first;
+    ptrdiff_t stop = positions;
+    for (; at < stop && out - result->offsets <= kLast; at += kGroupPositions) {
+        GroupBits bits;
+        if (!bitsOf(at, bits)) continue;
+        if (out == result->offsets) {
+            result->begin = static_cast<int>(at);
+            const ptrdiff_t room = ptrdiff_t{kGroupPositions} * result->groups;
+            if (positions - at > room) stop = at + room;
+        }
+        int block = static_cast<int>(at - result->begin);
+        for (uint64_t left : bits) {
+            // Mostly there are two or fewer: these are written without asking how many.
+            constexpr int kPair = 2;
+            static_assert(kPair <= Gathered::kSpare);
+            Zel16u* const behind = out + __builtin_popcountll(left);
+            do {
+                const int one = block + countTrailingZeros(left);
+                left &= left - 1;
+                const int next = block + countTrailingZeros(left);
+                left &= left - 1;
+                const Zel32u pair = static_cast<Zel32u>(one | next << 16);
+                memcpy(out, &pair, sizeof pair);
+                out += kPair;
+            } while (out < behind);
+            out = behind;
+            block += kMaskBits;
+        }
+    }
+    result->count = static_cast<int>(out - result->offsets);
+    result->scanned = at < positions ? static_cast<int>(at) : len;
+}
+
+/// Sets the bits of a group, `bitsAt(k)` being those of its block k; whether there are any.
+template <typename BitsAt>
+ZEL_INLINE bool setGroup(GroupBits& bits, const BitsAt& bitsAt) {
+    uint64_t any = 0;
+    for (int k = 0; k < kernels::Gathered::kGroup; ++k) any |= bits[k] = bitsAt(k);
+    return any != 0;
+}
+
+/// Likewise, where `bitsAt(position, left)` gives the bits of 64 positions, of which `left` count.
 template <typename BitsAt>
 ZEL_INLINE void gatherFrom(ptrdiff_t first, ptrdiff_t positions, int len, const BitsAt& bitsAt,
                            kernels::Gathered* result) {
-    using kernels::Gathered;
-    result->begin = result->count = 0;
-    result->scanned = len;
-    ptrdiff_t at = first;
-    uint64_t bits = 0;
-    for (; at < positions; at += kMaskBits) {
-        bits = bitsAt(at, positions - at);
-        if (bits != 0) break;
-    }
-    if (at >= positions) return;
-    result->begin = static_cast<int>(at);
-    Zel16u* out = result->offsets;
-    for (int block = 0;;) {
-        // Mostly there are a few: these are written without asking how many.
-        constexpr int kFew = 4;
-        static_assert(kFew <= Gathered::kSpare);
-        Zel16u* const behind = out + __builtin_popcountll(bits);
-        do {
-            for (int i = 0; i < kFew; ++i, bits &= bits - 1)
-                *out++ = static_cast<Zel16u>(kMaskBits * block + countTrailingZeros(bits));
-        } while (out < behind);
-        out = behind;
-        at += kMaskBits;
-        if (++block == Gathered::kBlocks || at >= positions) break;
-        bits = bitsAt(at, positions - at);
-    }
-    result->count = static_cast<int>(out - result->offsets);
-    if (at < positions) result->scanned = static_cast<int>(at);
+    const auto bitsOf = [&](ptrdiff_t at, GroupBits& bits) {
+        return setGroup(bits, [&](int k) {
+            const ptrdiff_t block = at + kMaskBits * k;
+            return bitsAt(block, positions - block);
+        });
+    };
+    gatherGroups(first, positions, len, bitsOf, result);
 }
 
-/// Likewise, from a first place that was found in another way, kNotFound when there is none.
-template <typename BitsAt>
-ZEL_INLINE void gatherNear(int first, ptrdiff_t positions, int len, const BitsAt& bitsAt,
-                           kernels::Gathered* result) {
-    gatherFrom(first == kNotFound ? positions : first, positions, len, bitsAt, result);
+/// Where to begin, when the first place was found in another way, or none.
+ZEL_INLINE ptrdiff_t firstOr(int first, ptrdiff_t positions) {
+    return first == kNotFound ? positions : first;
 }
 
 /// Places where the first, the last and two middle bytes of a literal are right.
@@ -67,15 +100,20 @@ ZEL_INLINE void gatherLiteral(const Zel8u* p, int first, int len, int literalLen
     const auto end = probeAt(offsets[0]);
     const auto middle = probeAt(offsets[1]);
     const auto third = probeAt(offsets[2]);
-    const auto bitsAt = [&](ptrdiff_t at, ptrdiff_t left) {
-        const Zel8u* const block = p + at;
-        uint64_t bits = memberBits(begin, block, left);
-        bits &= memberBits(end, block + offsets[0], left);
-        if (bits != 0) bits &= memberBits(middle, block + offsets[1], left);
-        if (bits != 0) bits &= memberBits(third, block + offsets[2], left);
-        return bits;
+    const ptrdiff_t positions = ptrdiff_t{len} - literalLength + 1;
+    const auto bitsOf = [&](ptrdiff_t at, GroupBits& bits) {
+        const auto both = [&](ptrdiff_t i, const auto& a, ptrdiff_t j, const auto& b, int k) {
+            const ptrdiff_t block = at + kMaskBits * k;
+            const ptrdiff_t left = positions - block;
+            return memberBits(a, p + block + i, left) & memberBits(b, p + block + j, left);
+        };
+        if (!setGroup(bits, [&](int k) { return both(0, begin, offsets[0], end, k); }))
+            return false;
+        if (literalLength <= 2) return true;
+        return setGroup(
+            bits, [&](int k) { return bits[k] & both(offsets[1], middle, offsets[2], third, k); });
     };
-    gatherNear(first, ptrdiff_t{len} - literalLength + 1, len, bitsAt, result);
+    gatherGroups(firstOr(first, positions), positions, len, bitsOf, result);
 }
 
 template <typename Class>
@@ -84,7 +122,19 @@ ZEL_INLINE void gatherClass(const Zel8u* p, int len, const Class& members,
     const auto bitsAt = [&](ptrdiff_t at, ptrdiff_t left) {
         return memberBits(members, p + at, left);
     };
-    gatherNear(firstHit(p, len, members), len, len, bitsAt, result);
+    gatherFrom(firstOr(firstHit(p, len, members), len), len, len, bitsAt, result);
+}
+
+/// Up to `room` members of a set, in order; answers how many it has, or room + 1 when it has more.
+ZEL_INLINE int listMembers(const uint64_t* set, Zel8u* members, int room) {
+    int count = 0;
+    for (int w = 0; w < 4; ++w) {
+        for (uint64_t bits = set[w]; bits != 0 && count <= room; bits &= bits - 1, ++count) {
+            if (count < room)
+                members[count] = static_cast<Zel8u>(64 * w + countTrailingZeros(bits));
+        }
+    }
+    return count;
 }
 
 /// Up to three members are compared one by one.
@@ -92,13 +142,7 @@ ZEL_INLINE void gatherMembers(const Zel8u* p, int len, const uint64_t* set,
                               kernels::Gathered* result) {
     constexpr int kFew = 3;
     Zel8u members[kFew] = {};
-    int count = 0;
-    for (int w = 0; w < 4; ++w) {
-        for (uint64_t bits = set[w]; bits != 0 && count <= kFew; bits &= bits - 1, ++count) {
-            if (count < kFew)
-                members[count] = static_cast<Zel8u>(64 * w + countTrailingZeros(bits));
-        }
-    }
+    const int count = listMembers(set, members, kFew);
     if (count == 0 || count > kFew) return gatherClass(p, len, ByteClass::fromWords(set), result);
     if (count == 1) return gatherClass(p, len, EqualsAnyOf<Zel8u, 1>::of(members), result);
     if (count == 2) members[2] = members[1];
@@ -115,22 +159,56 @@ ZEL_INLINE void gatherPair(const Zel8u* p, int len, const uint64_t* first, const
     gatherFrom(0, ptrdiff_t{len} - 1, len, bitsAt, result);
 }
 
-/// The first two probes are asked of every block, the others where those leave something.
+/// The first two probes, `first` and `second`, are asked of every block, the others where those
+/// leave something. Then the members of a set are found once for all probes that ask for it, in the
+/// blocks of a group and in the one behind: whatever a probe's offset, its bits are a window into
+/// these.
+template <typename Class>
+ZEL_INLINE void gatherShapeBy(const Class& first, const Class& second, const Zel8u* p, int len,
+                              const kernels::Shape& shape, kernels::Gathered* result) {
+    using kernels::Shape;
+    constexpr int kBlocks = kernels::Gathered::kGroup + 1;
+    static_assert(Shape::kMostProbes <= kMaskBits);
+    const Shape::Probe* const probes = shape.probes;
+    const ptrdiff_t positions = ptrdiff_t{len} - shape.length + 1;
+    const auto bitsOf = [&](ptrdiff_t at, GroupBits& bits) {
+        const auto filter = [&](int k) {
+            const Zel8u* const block = p + at + kMaskBits * k;
+            const ptrdiff_t left = positions - at - kMaskBits * k;
+            return memberBits(first, block + probes[0].offset, left) &
+                   memberBits(second, block + probes[1].offset, left);
+        };
+        if (!setGroup(bits, filter)) return false;
+        uint64_t members[kBlocks];
+        int set = -1;
+        for (int i = 2; i < shape.probeCount; ++i) {
+            if (set != probes[i].set) {
+                set = probes[i].set;
+                const ByteClass all = ByteClass::fromWords(shape.sets[set]);
+                for (int k = 0; k < kBlocks; ++k) {
+                    const ptrdiff_t block = at + kMaskBits * k;
+                    members[k] = memberBits(all, p + block, len - block);
+                }
+            }
+            // Twice, since a shift by 64 means nothing.
+            const int offset = probes[i].offset;
+            for (int k = 0; k < kBlocks - 1; ++k)
+                bits[k] &= members[k] >> offset | members[k + 1] << (kMaskBits - 1 - offset) << 1;
+        }
+        return setGroup(bits, [&](int k) { return bits[k]; });
+    };
+    gatherGroups(0, positions, len, bitsOf, result);
+}
+
 ZEL_INLINE void gatherShape(const Zel8u* p, int len, const kernels::Shape& shape,
                             kernels::Gathered* result) {
-    const ByteClass first = ByteClass::fromWords(shape.sets[0]);
-    const ByteClass second = ByteClass::fromWords(shape.sets[1]);
-    const ByteClass third = ByteClass::fromWords(shape.sets[2]);
-    const ByteClass fourth = ByteClass::fromWords(shape.sets[3]);
-    const auto bitsAt = [&](ptrdiff_t at, ptrdiff_t left) {
-        const Zel8u* const block = p + at;
-        uint64_t bits = memberBits(first, block + shape.offsets[0], left);
-        bits &= memberBits(second, block + shape.offsets[1], left);
-        if (bits != 0) bits &= memberBits(third, block + shape.offsets[2], left);
-        if (bits != 0) bits &= memberBits(fourth, block + shape.offsets[3], left);
-        return bits;
-    };
-    gatherFrom(0, ptrdiff_t{len} - shape.length + 1, len, bitsAt, result);
+    using Byte = EqualsAnyOf<Zel8u, 1>;
+    const uint64_t* const first = shape.sets[shape.probes[0].set];
+    const uint64_t* const second = shape.sets[shape.probes[1].set];
+    Zel8u byte[2];
+    if (listMembers(first, byte, 1) == 1 && listMembers(second, byte + 1, 1) == 1)
+        return gatherShapeBy(Byte::of(byte), Byte::of(byte + 1), p, len, shape, result);
+    gatherShapeBy(ByteClass::fromWords(first), ByteClass::fromWords(second), p, len, shape, result);
 }
 
 /// Bit i says whether p[i] equals p[i + 1], for the first n positions.
