@@ -10,57 +10,30 @@ namespace zel::ZEL_ISA {
 
 namespace {
 
-template <typename T>
+template <From from, typename T>
 ZEL_INLINE ZelStatus find(const T* src, int len, const T* pattern, int lenPattern, int* index) {
     if (anyNull(src, pattern, index)) return zelStatusNullPointer;
     if (anyNegative(len, lenPattern)) return zelStatusLengthError;
     *index = kNotFound;
-    *index = findString(src, len, pattern, lenPattern);
+    *index = findString<from>(src, len, pattern, lenPattern);
     return zelStatusOk;
 }
 
-template <typename T>
-ZEL_INLINE ZelStatus findRev(const T* src, int len, const T* pattern, int lenPattern, int* index) {
-    if (anyNull(src, pattern, index)) return zelStatusNullPointer;
-    if (anyNegative(len, lenPattern)) return zelStatusLengthError;
-    *index = kNotFound;
-    *index = findStringRev(src, len, pattern, lenPattern);
-    return zelStatusOk;
-}
-
-template <typename T>
+template <From from, typename T>
 ZEL_INLINE ZelStatus findC(const T* src, int len, T val, int* index) {
     if (anyNull(src, index)) return zelStatusNullPointer;
     if (anyNegative(len)) return zelStatusLengthError;
     *index = kNotFound;
-    *index = findElement(src, len, val);
+    *index = findElement<from>(src, len, val);
     return zelStatusOk;
 }
 
-template <typename T>
-ZEL_INLINE ZelStatus findRevC(const T* src, int len, T val, int* index) {
-    if (anyNull(src, index)) return zelStatusNullPointer;
-    if (anyNegative(len)) return zelStatusLengthError;
-    *index = kNotFound;
-    *index = findElementRev(src, len, val);
-    return zelStatusOk;
-}
-
-template <typename T>
+template <From from, typename T>
 ZEL_INLINE ZelStatus findCAny(const T* src, int len, const T* set, int lenSet, int* index) {
     if (anyNull(src, set, index)) return zelStatusNullPointer;
     if (anyNegative(len, lenSet)) return zelStatusLengthError;
     *index = kNotFound;
-    *index = findAnyOf(src, len, set, lenSet);
-    return zelStatusOk;
-}
-
-template <typename T>
-ZEL_INLINE ZelStatus findRevCAny(const T* src, int len, const T* set, int lenSet, int* index) {
-    if (anyNull(src, set, index)) return zelStatusNullPointer;
-    if (anyNegative(len, lenSet)) return zelStatusLengthError;
-    *index = kNotFound;
-    *index = findAnyOfRev(src, len, set, lenSet);
+    *index = findAnyOf<from>(src, len, set, lenSet);
     return zelStatusOk;
 }
 
@@ -77,68 +50,68 @@ ZEL_INLINE int measure(const T* srcZ) {
 template <typename T>
 ZEL_INLINE ZelStatus findZ(const T* srcZ, const T* patternZ, int* index) {
     if (anyNull(srcZ, patternZ)) return zelStatusNullPointer;
-    return find(srcZ, measure(srcZ), patternZ, measure(patternZ), index);
+    return find<From::Start>(srcZ, measure(srcZ), patternZ, measure(patternZ), index);
 }
 
 template <typename T>
 ZEL_INLINE ZelStatus findCZ(const T* srcZ, T val, int* index) {
     if (anyNull(srcZ)) return zelStatusNullPointer;
-    return findC(srcZ, measure(srcZ), val, index);
+    return findC<From::Start>(srcZ, measure(srcZ), val, index);
 }
 
 }  // namespace
 
 ZelStatus zelsFind_8u(const Zel8u* pSrc, int len, const Zel8u* pFind, int lenFind, int* pIndex) {
-    return find(pSrc, len, pFind, lenFind, pIndex);
+    return find<From::Start>(pSrc, len, pFind, lenFind, pIndex);
 }
 
 ZelStatus zelsFind_16u(const Zel16u* pSrc, int len, const Zel16u* pFind, int lenFind, int* pIndex) {
-    return find(pSrc, len, pFind, lenFind, pIndex);
+    return find<From::Start>(pSrc, len, pFind, lenFind, pIndex);
 }
 
 ZelStatus zelsFindRev_8u(const Zel8u* pSrc, int len, const Zel8u* pFind, int lenFind, int* pIndex) {
-    return findRev(pSrc, len, pFind, lenFind, pIndex);
+    return find<From::End>(pSrc, len, pFind, lenFind, pIndex);
 }
 
 ZelStatus zelsFindRev_16u(const Zel16u* pSrc, int len, const Zel16u* pFind, int lenFind,
                           int* pIndex) {
-    return findRev(pSrc, len, pFind, lenFind, pIndex);
+    return find<From::End>(pSrc, len, pFind, lenFind, pIndex);
 }
 
 ZelStatus zelsFindC_8u(const Zel8u* pSrc, int len, Zel8u valFind, int* pIndex) {
-    return findC(pSrc, len, valFind, pIndex);
+    return findC<From::Start>(pSrc, len, valFind, pIndex);
 }
 
 ZelStatus zelsFindC_16u(const Zel16u* pSrc, int len, Zel16u valFind, int* pIndex) {
-    return findC(pSrc, len, valFind, pIndex);
+    return findC<From::Start>(pSrc, len, valFind, pIndex);
 }
 
 ZelStatus zelsFindRevC_8u(const Zel8u* pSrc, int len, Zel8u valFind, int* pIndex) {
-    return findRevC(pSrc, len, valFind, pIndex);
+    return findC<From::End>(pSrc, len, valFind, pIndex);
 }
 
 ZelStatus zelsFindRevC_16u(const Zel16u* pSrc, int len, Zel16u valFind, int* pIndex) {
-    return findRevC(pSrc, len, valFind, pIndex);
+    return findC<From::End>(pSrc, len, valFind, pIndex);
 }
 
 ZelStatus zelsFindCAny_8u(const Zel8u* pSrc, int len, const Zel8u* pAnyOf, int lenAnyOf,
                           int* pIndex) {
-    return findCAny(pSrc, len, pAnyOf, lenAnyOf, pIndex);
+    return findCAny<From::Start>(pSrc, len, pAnyOf, lenAnyOf, pIndex);
 }
 
 ZelStatus zelsFindCAny_16u(const Zel16u* pSrc, int len, const Zel16u* pAnyOf, int lenAnyOf,
                            int* pIndex) {
-    return findCAny(pSrc, len, pAnyOf, lenAnyOf, pIndex);
+    return findCAny<From::Start>(pSrc, len, pAnyOf, lenAnyOf, pIndex);
 }
 
 ZelStatus zelsFindRevCAny_8u(const Zel8u* pSrc, int len, const Zel8u* pAnyOf, int lenAnyOf,
                              int* pIndex) {
-    return findRevCAny(pSrc, len, pAnyOf, lenAnyOf, pIndex);
+    return findCAny<From::End>(pSrc, len, pAnyOf, lenAnyOf, pIndex);
 }
 
 ZelStatus zelsFindRevCAny_16u(const Zel16u* pSrc, int len, const Zel16u* pAnyOf, int lenAnyOf,
                               int* pIndex) {
-    return findRevCAny(pSrc, len, pAnyOf, lenAnyOf, pIndex);
+    return findCAny<From::End>(pSrc, len, pAnyOf, lenAnyOf, pIndex);
 }
 
 ZelStatus zelsFind_Z_8u(const Zel8u* pSrcZ, const Zel8u* pFindZ, int* pIndex) {

@@ -26,7 +26,7 @@ int findByteNot(const Zel8u* p, int len, Zel8u c) {
 }
 
 int findByteRev(const Zel8u* p, int len, Zel8u c) {
-    return findElementRev(p, len, c);
+    return findElement<From::End>(p, len, c);
 }
 
 int findByte2(const Zel8u* p, int len, Zel8u a, Zel8u b) {
@@ -60,7 +60,7 @@ int findBytes(const Zel8u* p, int len, const Zel8u* needle, int needleLen) {
 }
 
 int findBytesRev(const Zel8u* p, int len, const Zel8u* needle, int needleLen) {
-    return findStringRev(p, len, needle, needleLen);
+    return findString<From::End>(p, len, needle, needleLen);
 }
 
 int findBytesIgnoreCase(const Zel8u* p, int len, const Zel8u* needle, int needleLen) {

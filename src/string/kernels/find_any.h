@@ -13,14 +13,6 @@
 
 namespace zel::ZEL_ISA {
 
-/// The direction of a search.
-enum class From { Start, End };
-
-template <From from, typename T, typename Test>
-ZEL_INLINE int findHit(const T* src, int len, const Test& test) {
-    return from == From::Start ? firstHit(src, len, test) : lastHit(src, len, test);
-}
-
 /// A text of at most one vector.
 template <From from, typename T>
 ZEL_INLINE int findAnyOfShort(const T* src, int len, const T* set, int lenSet) {
@@ -28,9 +20,17 @@ ZEL_INLINE int findAnyOfShort(const T* src, int len, const T* set, int lenSet) {
     const Vec<T> text = Vec<T>::loadFirst(src, len);
     Hits<T> hits = equal(text, Vec<T>::splat(set[0]));
     for (int i = 1; i < lenSet; ++i) hits = hits | equal(text, Vec<T>::splat(set[i]));
-    const Mask<T> found = hits.mask();
-    return from == From::Start ? found.firstBelow(len)
-                               : (found & Mask<T>::firstN(len)).lastOrNotFound();
+    return Way<from>::nearestOf(hits.mask(), len);
+}
+
+/// One element after the other.
+template <From from, typename T, typename Predicate>
+ZEL_INLINE int findElementIf(const T* src, int len, const Predicate& accepts) {
+    for (int k = 0; k < len; ++k) {
+        const T* const p = Way<from>::block(Way<from>::begin(src, len), 1, k);
+        if (accepts(*p)) return static_cast<int>(p - src);
+    }
+    return kNotFound;
 }
 
 /// A text that is shorter than the set, which fits one vector.
@@ -41,16 +41,7 @@ ZEL_INLINE int findAnyOfLongerSet(const T* src, int len, const T* set, int lenSe
     const auto isMember = [&](T element) {
         return (Mask<T>{equalBits(members, Vec<T>::splat(element))} & inSet).any();
     };
-    if constexpr (from == From::Start) {
-        for (int i = 0; i < len; ++i) {
-            if (isMember(src[i])) return i;
-        }
-    } else {
-        for (int i = len - 1; i >= 0; --i) {
-            if (isMember(src[i])) return i;
-        }
-    }
-    return kNotFound;
+    return findElementIf<from>(src, len, isMember);
 }
 
 #if !defined(ZEL_ISA_SSE2)
@@ -99,7 +90,7 @@ ZEL_INLINE bool findAnyInPieces(const Zel8u* src, int len, const Zel8u* set, int
                                   : findAnyBySixteens<4>(text, set, lenSet, found);
     if (!isDone) [[unlikely]]
         return false;
-    index = from == From::Start ? found.firstBelow(len) : found.lastOrNotFound();
+    index = Way<from>::nearestOf(found, len);
     return true;
 }
 
@@ -145,16 +136,7 @@ ZEL_INLINE int findMember(const Zel16u* src, int len, const Zel16u* set, int len
     const auto isMember = [&](Zel16u unit) {
         return lows.has(static_cast<Zel8u>(unit)) && findElement(set, lenSet, unit) != kNotFound;
     };
-    if constexpr (from == From::Start) {
-        for (int i = 0; i < len; ++i) {
-            if (isMember(src[i])) return i;
-        }
-    } else {
-        for (int i = len - 1; i >= 0; --i) {
-            if (isMember(src[i])) return i;
-        }
-    }
-    return kNotFound;
+    return findElementIf<from>(src, len, isMember);
 }
 
 #else
@@ -215,21 +197,11 @@ ZEL_INLINE int findAnyOfShortMany(const T* src, int len, const T* set, int lenSe
 inline constexpr int kFewMembers = 8;
 
 template <From from, typename T>
-ZEL_INLINE int findAnyOfEitherWay(const T* src, int len, const T* set, int lenSet) {
+ZEL_INLINE int findAnyOf(const T* src, int len, const T* set, int lenSet) {
     constexpr int n = Vec<T>::kLanes;
     if (len > n) return findAnyOfLong<from>(src, len, set, lenSet);
     if (lenSet <= kFewMembers) return findAnyOfShort<from>(src, len, set, lenSet);
     return findAnyOfShortMany<from>(src, len, set, lenSet);
-}
-
-template <typename T>
-ZEL_INLINE int findAnyOf(const T* src, int len, const T* set, int lenSet) {
-    return findAnyOfEitherWay<From::Start>(src, len, set, lenSet);
-}
-
-template <typename T>
-ZEL_INLINE int findAnyOfRev(const T* src, int len, const T* set, int lenSet) {
-    return findAnyOfEitherWay<From::End>(src, len, set, lenSet);
 }
 
 }  // namespace zel::ZEL_ISA

@@ -5,14 +5,9 @@
 
 namespace zel::ZEL_ISA {
 
-template <typename T>
+template <From from = From::Start, typename T>
 ZEL_INLINE int findElement(const T* src, int len, T val) {
-    return firstHit(src, len, EqualsAnyOf<T, 1>::of(&val));
-}
-
-template <typename T>
-ZEL_INLINE int findElementRev(const T* src, int len, T val) {
-    return lastHit(src, len, EqualsAnyOf<T, 1>::of(&val));
+    return findHit<from>(src, len, EqualsAnyOf<T, 1>::of(&val));
 }
 
 }  // namespace zel::ZEL_ISA

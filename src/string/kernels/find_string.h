@@ -3,10 +3,11 @@
 // element is one that differs from the first where the pattern has such a one, so that neither runs
 // of one element in the text nor a pattern made of few elements let every start through.
 //
-// Up to four blocks overlap and share one question. Between the first and the last four blocks of a
-// longer text, the search begins with only one of the two probes, the one that is rarer in texts of
-// all kinds, at the speed of a search for that element; where it turns out not to be rare, it goes
-// on with both.
+// A text of up to four blocks is filtered as a whole before anything is compared; a search that is
+// not over with its first candidate goes on block by block. Between the first and the last four
+// blocks of a longer text, the search begins with only one of the two probes, the one that is rarer
+// in texts of all kinds, at the speed of a search for that element; where it turns out not to be
+// rare, it goes on with both.
 //
 // Positions are those of the pattern's first element; a block of starts reads its first elements
 // and, the pattern's length further on, its last ones, both inside the text.
@@ -33,6 +34,9 @@ struct Pattern {
     ZEL_INLINE Hits<T> hits(const T* p) const {
         return andEqual(equal(V::load(p), first), V::load(p + len - 1), last);
     }
+    ZEL_INLINE Mask<T> mask(const T* p) const {
+        return bothEqual(V::load(p), first, V::load(p + len - 1), last);
+    }
     /// The same among the first n starts.
     ZEL_INLINE Mask<T> maskFirst(const T* p, int n) const {
         const uint64_t bits =
@@ -52,30 +56,28 @@ struct Pattern {
     }
 };
 
-/// The starts that pass the first two probes, checked further.
-template <typename T>
-struct Candidates {
-    using V = Vec<T>;
-    const Pattern<T>& pattern;
-    ptrdiff_t probeAt;
-    V probe;
-
-    ZEL_INLINE explicit Candidates(const Pattern<T>& p)
-        : pattern(p), probeAt(p.thirdProbe()), probe(V::splat(p.elements[probeAt])) {}
-
-    ZEL_INLINE int first(const T* block, Mask<T> mask) const {
-        mask = mask & Mask<T>{equalBits(V::load(block + probeAt), probe)};
-        for (; mask.any(); mask = mask.withoutFirst()) {
-            if (pattern.standsAt(block + mask.first())) return mask.first();
-        }
-        return kNotFound;
+/// The nearest of the starts of a block that a mask names and where the whole pattern stands, or
+/// kNotFound.
+template <From from, typename T>
+ZEL_INLINE int nearestStart(const Pattern<T>& pattern, const T* block, Mask<T> mask) {
+    for (; mask.any(); mask = Way<from>::withoutNearest(mask)) {
+        const int i = Way<from>::nearest(mask);
+        if (pattern.standsAt(block + i)) return i;
     }
-    ZEL_INLINE int last(const T* block, Mask<T> mask) const {
-        mask = mask & Mask<T>{equalBits(V::load(block + probeAt), probe)};
-        for (; mask.any(); mask = mask.without(mask.last())) {
-            if (pattern.standsAt(block + mask.last())) return mask.last();
-        }
-        return kNotFound;
+    return kNotFound;
+}
+
+/// The third probe, for starts that have passed the first two.
+template <typename T>
+struct ThirdProbe {
+    ptrdiff_t at;
+    Vec<T> value;
+
+    ZEL_INLINE explicit ThirdProbe(const Pattern<T>& pattern)
+        : at(pattern.thirdProbe()), value(Vec<T>::splat(pattern.elements[at])) {}
+
+    ZEL_INLINE Mask<T> refine(const T* block, Mask<T> mask) const {
+        return mask & Mask<T>{equalBits(Vec<T>::load(block + at), value)};
     }
 };
 
@@ -98,199 +100,127 @@ struct SingleProbe {
 /// How many rounds a single probe may let through in vain before it is not rare.
 inline constexpr int kSingleProbePatience = 4;
 
-/// The first of the starts in a block that have passed the first two probes, or kNotFound. A single
-/// one is compared at once.
-template <typename T>
-ZEL_INLINE int firstMatch(const Pattern<T>& pattern, const T* block, Hits<T> hits) {
-    const Mask<T> mask = hits.mask();
-    if (!mask.any()) return kNotFound;
-    if (mask.withoutFirst().any()) return Candidates<T>(pattern).first(block, mask);
-    return pattern.standsAt(block + mask.first()) ? mask.first() : kNotFound;
-}
-template <typename T>
-ZEL_INLINE int lastMatch(const Pattern<T>& pattern, const T* block, Hits<T> hits) {
-    const Mask<T> mask = hits.mask();
-    if (!mask.any()) return kNotFound;
-    if (mask.withoutFirst().any()) return Candidates<T>(pattern).last(block, mask);
-    return pattern.standsAt(block + mask.last()) ? mask.last() : kNotFound;
+/// Block by block from one of them on, whose last one overlaps the one before.
+template <From from, typename T>
+[[gnu::noinline]] int findStringByBlocks(const T* src, ptrdiff_t starts, const T* elements, int len,
+                                         const T* block) {
+    using W = Way<from>;
+    constexpr ptrdiff_t n = Vec<T>::kLanes;
+    const Pattern<T> pattern(elements, len);
+    const ThirdProbe<T> third(pattern);
+    const T* const last = W::blockBack(W::end(src, starts), n, 0);
+    for (;;) {
+        const Mask<T> mask = third.refine(block, pattern.mask(block));
+        const int i = nearestStart<from>(pattern, block, mask);
+        if (i >= 0) return static_cast<int>(block - src) + i;
+        if (block == last) return kNotFound;
+        block = W::distance(block, last) > n ? W::on(block, n) : last;
+    }
 }
 
-/// More starts than one block has, but at most four, as two or four blocks that overlap and share
-/// one question.
-template <typename T>
+/// The nearest start in a few blocks that overlap or touch, given in the order of the search. One
+/// candidate is compared at once.
+template <From from, typename T, int count>
+ZEL_INLINE int findStringInBlocks(const Pattern<T>& pattern, const T* src, ptrdiff_t starts,
+                                  const T* const (&blocks)[count]) {
+    Mask<T> masks[count];
+    for (int k = 0; k < count; ++k) masks[k] = pattern.mask(blocks[k]);
+    const T* block = blocks[count - 1];
+    Mask<T> mask = masks[count - 1];
+    for (int k = count - 2; k >= 0; --k) {
+        if (!masks[k].any()) continue;
+        block = blocks[k];
+        mask = masks[k];
+    }
+    if (!mask.any()) return kNotFound;
+    const T* const start = block + mask.first();
+    if (!mask.withoutFirst().any() && pattern.standsAt(start)) return static_cast<int>(start - src);
+    return findStringByBlocks<from>(src, starts, pattern.elements, static_cast<int>(pattern.len),
+                                    block);
+}
+
+/// More starts than one block has, but at most four, as two or four blocks that overlap.
+template <From from, typename T>
 ZEL_INLINE int findStringInFew(const T* src, ptrdiff_t starts, const Pattern<T>& pattern) {
+    using W = Way<from>;
     constexpr ptrdiff_t n = Vec<T>::kLanes;
-    const T* const last = src + starts - n;
-    const auto found = [&](const T* block, Hits<T> hits, int& index)
-        __attribute__((always_inline)) {
-        const int i = firstMatch(pattern, block, hits);
-        index = static_cast<int>(block - src) + i;
-        return i >= 0;
-    };
-    const Hits<T> a = pattern.hits(src);
-    const Hits<T> d = pattern.hits(last);
-    int index;
-    if (starts <= 2 * n) {
-        if (!(a | d).any()) [[likely]]
-            return kNotFound;
-        if (found(src, a, index) || found(last, d, index)) return index;
-        return kNotFound;
-    }
-    const Hits<T> b = pattern.hits(src + n);
-    const Hits<T> c = pattern.hits(last - n);
-    if (!((a | b) | (c | d)).any()) [[likely]]
-        return kNotFound;
-    if (found(src, a, index) || found(src + n, b, index) || found(last - n, c, index) ||
-        found(last, d, index))
-        return index;
-    return kNotFound;
+    const T* const begin = W::begin(src, starts);
+    const T* const end = W::end(src, starts);
+    const T* const first = W::block(begin, n, 0);
+    const T* const last = W::blockBack(end, n, 0);
+    if (starts <= 2 * n) return findStringInBlocks<from>(pattern, src, starts, {first, last});
+    const T* const second = W::block(begin, n, 1);
+    const T* const third = W::blockBack(end, n, 1);
+    return findStringInBlocks<from>(pattern, src, starts, {first, second, third, last});
 }
 
-template <typename T>
-ZEL_INLINE int findStringRevInFew(const T* src, ptrdiff_t starts, const Pattern<T>& pattern) {
-    constexpr ptrdiff_t n = Vec<T>::kLanes;
-    const T* const last = src + starts - n;
-    const auto found = [&](const T* block, Hits<T> hits, int& index)
-        __attribute__((always_inline)) {
-        const int i = lastMatch(pattern, block, hits);
-        index = static_cast<int>(block - src) + i;
-        return i >= 0;
-    };
-    const Hits<T> a = pattern.hits(src);
-    const Hits<T> d = pattern.hits(last);
-    int index;
-    if (starts <= 2 * n) {
-        if (!(a | d).any()) [[likely]]
-            return kNotFound;
-        if (found(last, d, index) || found(src, a, index)) return index;
-        return kNotFound;
-    }
-    const Hits<T> b = pattern.hits(src + n);
-    const Hits<T> c = pattern.hits(last - n);
-    if (!((a | b) | (c | d)).any()) [[likely]]
-        return kNotFound;
-    if (found(last, d, index) || found(last - n, c, index) || found(src + n, b, index) ||
-        found(src, a, index))
-        return index;
-    return kNotFound;
-}
-
-template <typename T>
+template <From from, typename T>
 [[gnu::noinline]] int findStringMedium(const T* src, ptrdiff_t starts, const T* elements, int len) {
-    return findStringInFew(src, starts, Pattern<T>(elements, len));
-}
-template <typename T>
-[[gnu::noinline]] int findStringRevMedium(const T* src, ptrdiff_t starts, const T* elements,
-                                          int len) {
-    return findStringRevInFew(src, starts, Pattern<T>(elements, len));
+    return findStringInFew<from>(src, starts, Pattern<T>(elements, len));
 }
 
 /// For more starts than four blocks have. The first four and the last four blocks are looked at
 /// with both probes, the latter repeating starts that were refused before.
-template <typename T>
+template <From from, typename T>
 [[gnu::noinline]] int findStringLong(const T* src, ptrdiff_t starts, const T* elements, int len) {
+    using W = Way<from>;
     constexpr ptrdiff_t n = Vec<T>::kLanes;
     const Pattern<T> pattern(elements, len);
-    const T* const end = src + starts;
-    const auto at = [src](const T* block, int i) { return static_cast<int>(block - src) + i; };
+    const T* const begin = W::begin(src, starts);
+    const T* const end = W::end(src, starts);
+    const auto inFew = [&](const T* few) {
+        const int i = findStringInFew<from>(few, 4 * n, pattern);
+        return i >= 0 ? static_cast<int>(few - src) + i : kNotFound;
+    };
 
-    if (const int i = findStringInFew(src, 4 * n, pattern); i >= 0) return i;
+    if (const int i = inFew(W::block(begin, 4 * n, 0)); i >= 0) return i;
 
     const SingleProbe<T> single(pattern);
-    const Candidates<T> candidates(pattern);
+    const ThirdProbe<T> third(pattern);
+    const auto inBlock = [&](const T* block, Hits<T> hits) __attribute__((always_inline)) {
+        const int i = nearestStart<from>(pattern, block, third.refine(block, hits.mask()));
+        return i >= 0 ? static_cast<int>(block - src) + i : kNotFound;
+    };
     // Back to where the single probe reads whole cache lines.
-    const T* p = src + 4 * n;
-    p -= n - toBoundary(p + single.at);
-    for (int patience = kSingleProbePatience; end - p > 4 * n && patience > 0; p += 4 * n) {
-        const Hits<T> a = single.hits(p) | single.hits(p + n);
-        const Hits<T> b = single.hits(p + 2 * n) | single.hits(p + 3 * n);
+    const T* p = W::on(begin, 4 * n);
+    p = W::on(p, W::toBoundary(p + single.at) - n);
+    for (int patience = kSingleProbePatience; W::distance(p, end) > 4 * n && patience > 0;
+         p = W::on(p, 4 * n)) {
+        const Hits<T> a = single.hits(W::block(p, n, 0)) | single.hits(W::block(p, n, 1));
+        const Hits<T> b = single.hits(W::block(p, n, 2)) | single.hits(W::block(p, n, 3));
         if (!(a | b).any()) [[likely]]
             continue;
         --patience;
         for (int k = 0; k < 4; ++k) {
-            const T* const block = p + k * n;
-            const int i = candidates.first(block, pattern.hits(block).mask());
-            if (i >= 0) return at(block, i);
+            const T* const block = W::block(p, n, k);
+            if (const int i = inBlock(block, pattern.hits(block)); i >= 0) return i;
         }
     }
-    for (; end - p > 4 * n; p += 2 * n) {
-        const Hits<T> a = pattern.hits(p);
-        const Hits<T> b = pattern.hits(p + n);
+    for (; W::distance(p, end) > 4 * n; p = W::on(p, 2 * n)) {
+        const T* const first = W::block(p, n, 0);
+        const T* const second = W::block(p, n, 1);
+        const Hits<T> a = pattern.hits(first);
+        const Hits<T> b = pattern.hits(second);
         if (!(a | b).any()) [[likely]]
             continue;
-        if (const int i = candidates.first(p, a.mask()); i >= 0) return at(p, i);
-        if (const int i = candidates.first(p + n, b.mask()); i >= 0) return at(p + n, i);
+        if (const int i = inBlock(first, a); i >= 0) return i;
+        if (const int i = inBlock(second, b); i >= 0) return i;
     }
-    const int i = findStringInFew(end - 4 * n, 4 * n, pattern);
-    return i >= 0 ? at(end - 4 * n, i) : kNotFound;
+    return inFew(W::blockBack(end, 4 * n, 0));
 }
 
-template <typename T>
-[[gnu::noinline]] int findStringRevLong(const T* src, ptrdiff_t starts, const T* elements,
-                                        int len) {
-    constexpr ptrdiff_t n = Vec<T>::kLanes;
-    const Pattern<T> pattern(elements, len);
-    const T* const end = src + starts;
-    const auto at = [src](const T* block, int i) { return static_cast<int>(block - src) + i; };
-
-    if (const int i = findStringRevInFew(end - 4 * n, 4 * n, pattern); i >= 0)
-        return at(end - 4 * n, i);
-
-    const SingleProbe<T> single(pattern);
-    const Candidates<T> candidates(pattern);
-    const T* p = end - 4 * n;
-    p += n - fromBoundary(p + single.at);
-    for (int patience = kSingleProbePatience; p - src > 4 * n && patience > 0; p -= 4 * n) {
-        const Hits<T> a = single.hits(p - n) | single.hits(p - 2 * n);
-        const Hits<T> b = single.hits(p - 3 * n) | single.hits(p - 4 * n);
-        if (!(a | b).any()) [[likely]]
-            continue;
-        --patience;
-        for (int k = 1; k <= 4; ++k) {
-            const T* const block = p - k * n;
-            const int i = candidates.last(block, pattern.hits(block).mask());
-            if (i >= 0) return at(block, i);
-        }
-    }
-    for (; p - src > 4 * n; p -= 2 * n) {
-        const Hits<T> a = pattern.hits(p - n);
-        const Hits<T> b = pattern.hits(p - 2 * n);
-        if (!(a | b).any()) [[likely]]
-            continue;
-        if (const int i = candidates.last(p - n, a.mask()); i >= 0) return at(p - n, i);
-        if (const int i = candidates.last(p - 2 * n, b.mask()); i >= 0) return at(p - 2 * n, i);
-    }
-    return findStringRevInFew(src, 4 * n, pattern);
-}
-
-/// First position of the pattern, or kNotFound. An empty pattern is never found.
-template <typename T>
+/// The position of the pattern that a search meets first, or kNotFound. An empty pattern is never
+/// found.
+template <From from = From::Start, typename T>
 ZEL_INLINE int findString(const T* src, int len, const T* elements, int lenPattern) {
-    if (lenPattern < 2) return lenPattern == 0 ? kNotFound : findElement(src, len, elements[0]);
+    if (lenPattern < 2)
+        return lenPattern == 0 ? kNotFound : findElement<from>(src, len, elements[0]);
     if (lenPattern > len) return kNotFound;
     const int starts = len - lenPattern + 1;
-    if (starts > 4 * Vec<T>::kLanes) return findStringLong(src, starts, elements, lenPattern);
-    if (starts > Vec<T>::kLanes) return findStringMedium(src, starts, elements, lenPattern);
+    if (starts > 4 * Vec<T>::kLanes) return findStringLong<from>(src, starts, elements, lenPattern);
+    if (starts > Vec<T>::kLanes) return findStringMedium<from>(src, starts, elements, lenPattern);
     const Pattern<T> pattern(elements, lenPattern);
-    for (Mask<T> m = pattern.maskFirst(src, starts); m.any(); m = m.withoutFirst()) {
-        if (pattern.standsAt(src + m.first())) return m.first();
-    }
-    return kNotFound;
-}
-
-/// Last position of the pattern, or kNotFound. An empty pattern is never found.
-template <typename T>
-ZEL_INLINE int findStringRev(const T* src, int len, const T* elements, int lenPattern) {
-    if (lenPattern < 2) return lenPattern == 0 ? kNotFound : findElementRev(src, len, elements[0]);
-    if (lenPattern > len) return kNotFound;
-    const int starts = len - lenPattern + 1;
-    if (starts > 4 * Vec<T>::kLanes) return findStringRevLong(src, starts, elements, lenPattern);
-    if (starts > Vec<T>::kLanes) return findStringRevMedium(src, starts, elements, lenPattern);
-    const Pattern<T> pattern(elements, lenPattern);
-    for (Mask<T> m = pattern.maskFirst(src, starts); m.any(); m = m.without(m.last())) {
-        if (pattern.standsAt(src + m.last())) return m.last();
-    }
-    return kNotFound;
+    return nearestStart<from>(pattern, src, pattern.maskFirst(src, starts));
 }
 
 }  // namespace zel::ZEL_ISA

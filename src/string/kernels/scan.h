@@ -11,92 +11,80 @@
 // that nothing outside the text is touched.
 #pragma once
 
-#include "string/kernels/vector.h"
+#include "string/kernels/direction.h"
 
 namespace zel::ZEL_ISA {
 
+/// The index of the hit that the search meets first in a block which has one.
+template <From from, typename T, typename H>
+ZEL_INLINE int nearestHit(const T* src, const T* block, H hits) {
+    return static_cast<int>(block - src) + Way<from>::nearest(hits.mask());
+}
+
 /// What four blocks have, asked for at once: the first hit in the order given, or kNotFound.
-template <typename Test, typename T, typename Locate>
-ZEL_INLINE int hitInFour(const Test& test, const T* p, const T* q, const T* r, const T* s,
-                         Locate locate) {
+template <From from, typename T, typename Test>
+ZEL_INLINE int hitInFour(const Test& test, const T* src, const T* p, const T* q, const T* r,
+                         const T* s) {
     const auto a = test.hits(p);
     const auto b = test.hits(q);
     const auto c = test.hits(r);
     const auto d = test.hits(s);
     if (!((a | b) | (c | d)).any()) [[likely]]
         return kNotFound;
-    if (a.any()) return locate(p, a);
-    if (b.any()) return locate(q, b);
-    if (c.any()) return locate(r, c);
-    return locate(s, d);
+    if (a.any()) return nearestHit<from>(src, p, a);
+    if (b.any()) return nearestHit<from>(src, q, b);
+    if (c.any()) return nearestHit<from>(src, r, c);
+    return nearestHit<from>(src, s, d);
 }
 
 /// For a text longer than one block.
-template <typename T, typename Test>
-ZEL_INLINE int firstHitLong(const T* src, int len, const Test& test) {
+template <From from, typename T, typename Test>
+ZEL_INLINE int findHitLong(const T* src, int len, const Test& test) {
+    using W = Way<from>;
     constexpr ptrdiff_t n = Test::kLanes;
-    const T* const end = src + len;
-    const auto locate = [src](const T* p, auto hits) {
-        return static_cast<int>(p - src) + hits.mask().first();
-    };
+    const T* const begin = W::begin(src, len);
+    const T* const end = W::end(src, len);
+    const T* const first = W::block(begin, n, 0);
+    const T* const second = W::block(begin, n, 1);
+    const T* const nextToLast = W::blockBack(end, n, 1);
+    const T* const last = W::blockBack(end, n, 0);
 
     if (len <= 2 * n) {
-        const auto a = test.hits(src);
-        const auto b = test.hits(end - n);
+        const auto a = test.hits(first);
+        const auto b = test.hits(last);
         if (!(a | b).any()) return kNotFound;
-        return a.any() ? locate(src, a) : locate(end - n, b);
+        return a.any() ? nearestHit<from>(src, first, a) : nearestHit<from>(src, last, b);
     }
-    if (len <= 4 * n) return hitInFour(test, src, src + n, end - 2 * n, end - n, locate);
+    if (len <= 4 * n) return hitInFour<from>(test, src, first, second, nextToLast, last);
 
-    if (const int i = hitInFour(test, src, src + n, src + 2 * n, src + 3 * n, locate); i >= 0)
-        return i;
-    for (const T* p = src + 3 * n + toBoundary(src); end - p > 4 * n; p += 4 * n) {
-        if (const int i = hitInFour(test, p, p + n, p + 2 * n, p + 3 * n, locate); i >= 0) return i;
-    }
-    return hitInFour(test, end - 4 * n, end - 3 * n, end - 2 * n, end - n, locate);
-}
-
-template <typename T, typename Test>
-ZEL_INLINE int lastHitLong(const T* src, int len, const Test& test) {
-    constexpr ptrdiff_t n = Test::kLanes;
-    const T* const end = src + len;
-    const auto locate = [src](const T* p, auto hits) {
-        return static_cast<int>(p - src) + hits.mask().last();
+    const auto hitInRound = [&](const T* p) __attribute__((always_inline)) {
+        return hitInFour<from>(test, src, W::block(p, n, 0), W::block(p, n, 1), W::block(p, n, 2),
+                               W::block(p, n, 3));
     };
-
-    if (len <= 2 * n) {
-        const auto a = test.hits(end - n);
-        const auto b = test.hits(src);
-        if (!(a | b).any()) return kNotFound;
-        return a.any() ? locate(end - n, a) : locate(src, b);
+    if (const int i = hitInRound(begin); i >= 0) return i;
+    const T* p = W::on(begin, 3 * n + W::toBoundary(begin));
+    for (; W::distance(p, end) > 4 * n; p = W::on(p, 4 * n)) {
+        if (const int i = hitInRound(p); i >= 0) return i;
     }
-    if (len <= 4 * n) return hitInFour(test, end - n, end - 2 * n, src + n, src, locate);
-
-    if (const int i = hitInFour(test, end - n, end - 2 * n, end - 3 * n, end - 4 * n, locate);
-        i >= 0)
-        return i;
-    for (const T* p = end - 3 * n - fromBoundary(end); p - src > 4 * n; p -= 4 * n) {
-        if (const int i = hitInFour(test, p - n, p - 2 * n, p - 3 * n, p - 4 * n, locate); i >= 0)
-            return i;
-    }
-    return hitInFour(test, src + 3 * n, src + 2 * n, src + n, src, locate);
+    return hitInRound(W::on(end, -4 * n));
 }
 
-/// Index of the first accepted element, or kNotFound.
+/// Index of the accepted element that the search meets first, or kNotFound.
+template <From from, typename T, typename Test>
+ZEL_INLINE int findHit(const T* src, int len, const Test& test) {
+    if (len > Test::kLanes) [[unlikely]]
+        return findHitLong<from>(src, len, test);
+    return Way<from>::nearestOf(test.maskFirst(src, len), len);
+}
+
 template <typename T, typename Test>
 ZEL_INLINE int firstHit(const T* src, int len, const Test& test) {
-    if (len > Test::kLanes) [[unlikely]]
-        return firstHitLong(src, len, test);
-    return test.maskFirst(src, len).firstBelow(len);
+    return findHit<From::Start>(src, len, test);
 }
 
-/// Index of the last accepted element, or kNotFound.
 template <typename T, typename Test>
 ZEL_INLINE int lastHit(const T* src, int len, const Test& test) {
-    if (len > Test::kLanes) [[unlikely]]
-        return lastHitLong(src, len, test);
-    const Mask<T> found = test.maskFirst(src, len) & Mask<T>::firstN(len);
-    return found.any() ? found.last() : kNotFound;
+    return findHit<From::End>(src, len, test);
 }
 
 /// The usual test: one vector a block, accepted where it equals one of N values.

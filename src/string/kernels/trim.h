@@ -40,9 +40,9 @@ ZEL_INLINE Kept keptWithout(const T* src, int len, const Test& test) {
     const Not<T, Test> kept{test};
     if (len <= Test::kLanes) [[likely]]
         return keptInMask<ends>(kept.maskFirst(src, len) & Mask<T>::firstN(len), len);
-    const int first = ends & kStart ? firstHitLong(src, len, kept) : 0;
+    const int first = ends & kStart ? findHitLong<From::Start>(src, len, kept) : 0;
     if (first < 0) return {0, 0};
-    const int last = ends & kEnd ? lastHitLong(src, len, kept) : len - 1;
+    const int last = ends & kEnd ? findHitLong<From::End>(src, len, kept) : len - 1;
     return {first, last - first + 1};
 }
 

@@ -107,6 +107,15 @@ ZEL_INLINE Hits<T> andEqual(Hits<T> hits, Vec<T> a, Vec<T> b) {
     return {_mm512_ternarylogic_epi64(hits.miss, a.v, b.v, kAOrBXorC)};
 }
 
+/// Where a equals b and c equals d.
+template <typename T>
+ZEL_INLINE Mask<T> bothEqual(Vec<T> a, Vec<T> b, Vec<T> c, Vec<T> d) {
+    if constexpr (sizeof(T) == 1)
+        return {_mm512_mask_cmpeq_epi8_mask(_mm512_cmpeq_epi8_mask(a.v, b.v), c.v, d.v)};
+    else
+        return {_mm512_mask_cmpeq_epi16_mask(_mm512_cmpeq_epi16_mask(a.v, b.v), c.v, d.v)};
+}
+
 /// Two vectors of units as one of bytes, groups of eight units of a and b taking turns: saturated
 /// (units of 0x100 to 0x7FFF to 0xFF, those above to 0), the low bytes, the high bytes.
 ZEL_INLINE Vec<Zel8u> packSaturated(Vec<Zel16u> a, Vec<Zel16u> b) {

@@ -28,6 +28,11 @@ template <typename T>
 ZEL_INLINE Hits<T> andEqual(Hits<T> hits, Vec<T> a, Vec<T> b) {
     return hits & equal(a, b);
 }
+/// Where a equals b and c equals d.
+template <typename T>
+ZEL_INLINE Mask<T> bothEqual(Vec<T> a, Vec<T> b, Vec<T> c, Vec<T> d) {
+    return andEqual(equal(a, b), c, d).mask();
+}
 template <typename T>
 ZEL_INLINE uint64_t equalBits(Vec<T> a, Vec<T> b) {
     return equal(a, b).mask().bits;
