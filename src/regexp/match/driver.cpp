@@ -218,6 +218,7 @@ private:
         if (anchor_ != Anchor::kLineStart || start == context_.textStart || start[-1] == '\n') {
             return start;
         }
+        if (start < context_.textEnd && *start == '\n') return start + 1;  // behind most matches
         const auto* newline = static_cast<const Zel8u*>(
             memchr(start, '\n', static_cast<size_t>(context_.textEnd - start)));
         return newline == nullptr ? nullptr : newline + 1;

@@ -11,7 +11,7 @@ namespace zel {
 namespace {
 
 /// Whether n bytes are the same; n is small.
-bool sameBytes(const Zel8u* a, const Zel8u* b, int n) {
+[[gnu::noinline]] bool sameRest(const Zel8u* a, const Zel8u* b, int n) {
     const auto differ = [a, b](auto word, int at) {
         auto other = word;
         memcpy(&word, a + at, sizeof word);
@@ -32,6 +32,11 @@ bool sameBytes(const Zel8u* a, const Zel8u* b, int n) {
     return true;
 }
 
+/// The same of at least one byte, which mostly decides.
+inline bool sameBytes(const Zel8u* a, const Zel8u* b, int n) {
+    return *a == *b && (n == 1 || sameRest(a, b, n));
+}
+
 bool sameBytesIgnoringCase(const Zel8u* text, const Zel8u* pattern, int n) {
     for (int i = 0; i < n; ++i) {
         if (!sameByte(text[i], pattern[i], true)) return false;
@@ -47,8 +52,12 @@ bool isWideAt(const Zel8u* position, const Zel8u* end) {
 
 class OneWay::Attempt {
 public:
-    Attempt(const Zel8u* start, RegExpMatchContext& context)
-        : position(start), reached(start), context_(context), end_(context.textEnd) {}
+    Attempt(const Zel8u* start, const ByteRanges* ranges, RegExpMatchContext& context)
+        : position(start),
+          reached(start),
+          ranges_(ranges),
+          context_(context),
+          end_(context.textEnd) {}
 
     Outcome run(const Part* part) {
         for (; part->kind != Part::kEnd; ++part) {
@@ -109,8 +118,8 @@ private:
             }
             case Part::kReference: {
                 const CaptureRecord& record = context_.captures[part.number];
-                if (left() == 0 || record.length < 0 || record.length > left() ||
-                    !sameBytes(position, record.text, record.length))
+                if (left() == 0 || record.length < 0 || record.length > left()) return fail();
+                if (record.length > 0 && !sameBytes(position, record.text, record.length))
                     return fail();
                 position += record.length;
                 return kMatched;
@@ -125,6 +134,12 @@ private:
     const Zel8u* runEnd(const Part& part) const {
         const Zel8u* stop = part.max < left() ? position + part.max : end_;
         const Zel8u* run = position;
+        for (int i = 0; i < part.chunks && end_ - run >= ByteRanges::kWidth; ++i) {
+            const unsigned outside = ranges_[part.ranges].outside(run);
+            run += outside != 0 ? __builtin_ctz(outside) : ByteRanges::kWidth;
+            if (run >= stop) return stop;
+            if (outside != 0) return run;
+        }
         const Zel8u* out = part.excluded;
         const int length = static_cast<int>(stop - run);
         switch (part.excludedCount) {
@@ -135,15 +150,8 @@ private:
             case 3:
                 return run + kernels::findByte3(run, length, out[0], out[1], out[2]);
             default:
-                break;
+                return run + kernels::findByteNotIn(run, length, part.set.words);
         }
-        if (!part.isLong) {
-            constexpr ptrdiff_t kShortRun = 16;
-            const Zel8u* near = stop - run > kShortRun ? run + kShortRun : stop;
-            while (run < near && part.set.has(*run)) ++run;
-            if (run < near || run == stop) return run;
-        }
-        return run + kernels::findByteNotIn(run, static_cast<int>(stop - run), part.set.words);
     }
 
     Outcome takeRun(const Part& part) {
@@ -165,8 +173,7 @@ private:
         reached = run > reached ? run : reached;
         const Zel8u* low = position + part.min;
         for (const Zel8u* at = run; at >= low; --at) {
-            if (end_ - at < part.length || *at != *part.text) continue;
-            if (!sameBytes(at, part.text, part.length)) continue;
+            if (end_ - at < part.length || !sameBytes(at, part.text, part.length)) continue;
             if (at > low) isSure_ = false;
             position = at + part.length;
             return kMatched;
@@ -198,8 +205,7 @@ private:
         for (;; ++run) {
             run = endOfUninteresting(part, run);
             if (run == end_) break;
-            if (*run == *part.text && end_ - run >= part.length &&
-                sameBytes(run, part.text, part.length)) {
+            if (end_ - run >= part.length && sameBytes(run, part.text, part.length)) {
                 if (part.set.has(*run)) isSure_ = false;
                 position = run + part.length;
                 return kMatched;
@@ -215,6 +221,7 @@ private:
         return fail();
     }
 
+    const ByteRanges* const ranges_;
     RegExpMatchContext& context_;
     const Zel8u* const end_;
     bool isSure_ = true;  // whether a failure now is the failure of the attempt
@@ -231,7 +238,7 @@ OneWay::Outcome OneWay::tryAt(const Zel8u* position, RegExpMatchContext& context
         if (!context.charge(skipPrice)) return kFailed;
     }
     for (; left != 0; left &= left - 1) {
-        Attempt attempt(position, context);
+        Attempt attempt(position, ranges, context);
         const Outcome outcome = attempt.run(parts + first[__builtin_ctz(left)]);
         const Zel8u* reached =
             attempt.position > attempt.reached ? attempt.position : attempt.reached;

@@ -10,6 +10,7 @@
 // try.
 #pragma once
 
+#include "regexp/match/byte_ranges.h"
 #include "regexp/match/context.h"
 
 namespace zel {
@@ -33,11 +34,12 @@ struct OneWay {
             kEnd,        // of the alternative
         };
         Kind kind;
-        bool isFinal;         // when the rest fails, no other length of the run helps
-        bool isNegative;      // of the text that must not be there
-        bool stopsAtWide;     // longer characters are not looked into
-        bool mindsWide;       // a longer character behind the run changes how it gives back
-        bool isLong;          // runs tend to be longer than words
+        bool isFinal;      // when the rest fails, no other length of the run helps
+        bool isNegative;   // of the text that must not be there
+        bool stopsAtWide;  // longer characters are not looked into
+        bool mindsWide;    // a longer character behind the run changes how it gives back
+        Zel8u chunks;  // of 16 bytes to compare with the set's ranges, before a kernel is called
+        Zel8u ranges;  // which of the ranges these are
         Zel8u excludedCount;  // how many bytes are not in the set; 0 when more than three
         Zel8u excluded[3];
         Zel32u flags;
@@ -52,6 +54,7 @@ struct OneWay {
     // Patterns with more parts are rare, but for those that list words.
     static constexpr int kMaxParts = 64;
     static constexpr int kMaxAlternatives = 32;
+    static constexpr int kMaxRanges = 12;
     int count;
     int nodes;  // how many steps an attempt takes at most that gives back nothing
     int price;  // and what giving back adds for each byte
@@ -63,6 +66,8 @@ struct OneWay {
     Zel32u beginningAtEnd;
     int skipPrice;
     Part parts[kMaxParts];
+    ByteRanges ranges[kMaxRanges];
+    int rangesCount;
 
     /// Nothing is known of the pattern; making it known is what makeOneWay does.
     OneWay() : count(0) {}

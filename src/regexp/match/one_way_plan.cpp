@@ -20,7 +20,6 @@ bool hasWide(const ByteSet& bytes) {
 
 void findExcluded(OneWay::Part& part) {
     const int members = sizeOf(part.set);
-    part.isLong = members > 128;
     part.excludedCount = 0;
     if (members == 256 || members < 256 - static_cast<int>(sizeof part.excluded)) return;
     for (int w = 0; w < 4; ++w) {
@@ -29,6 +28,17 @@ void findExcluded(OneWay::Part& part) {
                 static_cast<Zel8u>(64 * w + __builtin_ctzll(others));
         }
     }
+}
+
+/// Most runs are short; but not those that a few bytes end.
+void findRanges(OneWay& oneWay, OneWay::Part& part) {
+    constexpr int kChunks = 2;
+    part.chunks = 0;
+    if (part.excludedCount != 0) return;
+    if (oneWay.rangesCount == OneWay::kMaxRanges) return;
+    if (!oneWay.ranges[oneWay.rangesCount].describe(part.set)) return;
+    part.ranges = static_cast<Zel8u>(oneWay.rangesCount++);
+    part.chunks = kChunks;
 }
 
 }  // namespace
@@ -121,7 +131,9 @@ int Planner::describeRunAndText(int index, Zel32u flags, OneWay& oneWay, OneWay:
 
 int Planner::describeRun(int index, Zel32u flags, OneWay& oneWay, OneWay::Part& part) {
     const int nodes = describeRunAndText(index, flags, oneWay, part);
-    if (nodes != 0) findExcluded(part);
+    if (nodes == 0) return 0;
+    findExcluded(part);
+    findRanges(oneWay, part);
     return nodes;
 }
 
@@ -222,7 +234,7 @@ void Planner::sortAlternatives(OneWay& oneWay) const {
 bool Planner::describe(Zel32u flags, OneWay& oneWay) {
     oneWay.nodes = count_;
     oneWay.price = 0;
-    oneWay.alternatives = 0;
+    oneWay.alternatives = oneWay.rangesCount = 0;
     int parts = 0;
     bool isLazy = false;
     for (int index = 0; index <= count_; ++index) {
