@@ -20,4 +20,13 @@ constexpr bool anyNegative(Lengths... lengths) {
     return (... || __builtin_expect(lengths < 0, false));
 }
 
+/// True when the pointers and the length are in order and the length is at most `most`. Functions
+/// in which a call of a few cycles matters do such calls themselves and leave all others, those to
+/// be refused among them, to a function of its own: then the way of a short call is short.
+template <typename... Pointers>
+constexpr bool isShortCall(int most, int len, const Pointers*... pointers) {
+    return (... && (pointers != nullptr)) &&
+           static_cast<unsigned>(len) <= static_cast<unsigned>(most);
+}
+
 }  // namespace zel

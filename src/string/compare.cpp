@@ -9,18 +9,34 @@ namespace zel::ZEL_ISA {
 namespace {
 
 template <typename Fold, typename T>
-ZEL_INLINE ZelStatus compare(const T* src1, const T* src2, int len, int* result) {
+[[gnu::noinline]] ZelStatus compareOtherwise(const T* src1, const T* src2, int len, int* result) {
     if (anyNull(src1, src2, result)) return zelStatusNullPointer;
     if (anyNegative(len)) return zelStatusLengthError;
-    *result = compareElements<Fold>(src1, src2, len);
+    *result = compareLong<Fold>(src1, src2, len);
+    return zelStatusOk;
+}
+
+template <typename Fold, typename T>
+ZEL_INLINE ZelStatus compare(const T* src1, const T* src2, int len, int* result) {
+    if (!isShortCall(Vec<T>::kLanes, len, src1, src2, result)) [[unlikely]]
+        return compareOtherwise<Fold>(src1, src2, len, result);
+    *result = compareShort<Fold>(src1, src2, len);
+    return zelStatusOk;
+}
+
+template <typename T>
+[[gnu::noinline]] ZelStatus equalOtherwise(const T* src1, const T* src2, int len, int* result) {
+    if (anyNull(src1, src2, result)) return zelStatusNullPointer;
+    if (anyNegative(len)) return zelStatusLengthError;
+    *result = equalLong(src1, src2, len) ? 1 : 0;
     return zelStatusOk;
 }
 
 template <typename T>
 ZEL_INLINE ZelStatus equal(const T* src1, const T* src2, int len, int* result) {
-    if (anyNull(src1, src2, result)) return zelStatusNullPointer;
-    if (anyNegative(len)) return zelStatusLengthError;
-    *result = equalElements(src1, src2, len) ? 1 : 0;
+    if (!isShortCall(Vec<T>::kLanes, len, src1, src2, result)) [[unlikely]]
+        return equalOtherwise(src1, src2, len, result);
+    *result = equalShort(src1, src2, len) ? 1 : 0;
     return zelStatusOk;
 }
 

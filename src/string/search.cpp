@@ -20,11 +20,21 @@ ZEL_INLINE ZelStatus find(const T* src, int len, const T* pattern, int lenPatter
 }
 
 template <From from, typename T>
-ZEL_INLINE ZelStatus findC(const T* src, int len, T val, int* index) {
+[[gnu::noinline]] ZelStatus findCOtherwise(const T* src, int len, T val, int* index) {
     if (anyNull(src, index)) return zelStatusNullPointer;
     if (anyNegative(len)) return zelStatusLengthError;
     *index = kNotFound;
-    *index = findElement<from>(src, len, val);
+    *index = findElementLong<from>(src, len, val);
+    return zelStatusOk;
+}
+
+template <From from, typename T>
+ZEL_INLINE ZelStatus findC(const T* src, int len, T val, int* index) {
+    if (!isShortCall(Vec<T>::kLanes, len, src, index)) [[unlikely]]
+        return findCOtherwise<from>(src, len, val, index);
+    *index = kNotFound;
+    const Mask<T> found = equalFirst(src, len, val);
+    if (found.any()) *index = Way<from>::nearest(found);
     return zelStatusOk;
 }
 

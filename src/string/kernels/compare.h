@@ -115,30 +115,36 @@ ZEL_INLINE ptrdiff_t firstDifferenceLong(const T* a, const T* b, ptrdiff_t len, 
     return pair.firstInFour(len - 4 * n, len - 3 * n, len - 2 * n, len - n, fold);
 }
 
-/// The difference of the first pair that differs under the fold, else 0.
+/// For runs of at most one vector: the difference of the first pair that differs under the fold,
+/// else 0.
 template <typename Fold, typename T>
-ZEL_INLINE int compareElements(const T* a, const T* b, int len) {
+ZEL_INLINE int compareShort(const T* a, const T* b, int len) {
+    Mask<T> differ = differFirst(a, b, len);
+    if (!differ.any()) return 0;
     Fold fold;
-    ptrdiff_t i;
-    if (len <= Vec<T>::kLanes) [[likely]] {
-        const auto va = Vec<T>::loadFirst(a, len);
-        const auto vb = Vec<T>::loadFirst(b, len);
-        if (!Fold::kIsExact && !difference(va, vb).any()) return 0;
-        const Mask<T> m = fold.differences(va, vb).mask();
-        if (!m.any()) return 0;
-        i = m.first();
-    } else {
-        i = firstDifferenceLong(a, b, len, fold);
-        if (i < 0) return 0;
+    if constexpr (!Fold::kIsExact) {
+        differ = fold.differences(Vec<T>::loadFirst(a, len), Vec<T>::loadFirst(b, len)).mask();
+        if (!differ.any()) return 0;
     }
+    const int i = differ.first();
     return fold.minus(a[i], b[i]);
 }
 
-/// True when all elements are equal.
+/// The same for longer runs.
+template <typename Fold, typename T>
+ZEL_INLINE int compareLong(const T* a, const T* b, int len) {
+    Fold fold;
+    const ptrdiff_t i = firstDifferenceLong(a, b, len, fold);
+    return i < 0 ? 0 : fold.minus(a[i], b[i]);
+}
+
+/// True when all elements are equal: of runs of at most one vector, and of longer ones.
 template <typename T>
-ZEL_INLINE bool equalElements(const T* a, const T* b, int len) {
-    if (len <= Vec<T>::kLanes) [[likely]]
-        return Mask<T>{equalBits(Vec<T>::loadFirst(a, len), Vec<T>::loadFirst(b, len))}.isAll();
+ZEL_INLINE bool equalShort(const T* a, const T* b, int len) {
+    return !differFirst(a, b, len).any();
+}
+template <typename T>
+ZEL_INLINE bool equalLong(const T* a, const T* b, int len) {
     AsTheyStand fold;
     return firstDifferenceLong(a, b, len, fold) < 0;
 }

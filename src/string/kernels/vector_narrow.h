@@ -38,6 +38,17 @@ ZEL_INLINE uint64_t equalBits(Vec<T> a, Vec<T> b) {
     return equal(a, b).mask().bits;
 }
 
+/// The first n elements at p, at most kLanes, that equal the value. No others are read.
+template <typename T>
+ZEL_INLINE Mask<T> equalFirst(const T* p, int n, T value) {
+    return Mask<T>{equalBits(Vec<T>::loadFirst(p, n), Vec<T>::splat(value))} & Mask<T>::firstN(n);
+}
+/// Where the first n elements of two texts differ, at most kLanes. No others are read.
+template <typename T>
+ZEL_INLINE Mask<T> differFirst(const T* a, const T* b, int n) {
+    return ~Mask<T>{equalBits(Vec<T>::loadFirst(a, n), Vec<T>::loadFirst(b, n))};
+}
+
 /// A lane is not zero where two vectors differ.
 template <typename T>
 struct Differences {
