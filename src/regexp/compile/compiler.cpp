@@ -5,6 +5,7 @@
 #include <string.h>
 
 #include "regexp/compile/compile.h"
+#include "regexp/compile/light_program.h"
 #include "regexp/compile/structure.h"
 
 namespace zel {
@@ -155,6 +156,7 @@ void Compiler::complete() {
         node->data = text;
         text += length;
     }
+    textEnd_ = text;
 }
 
 namespace {
@@ -229,6 +231,7 @@ ZelStatus compilePattern(const char* pSrc, const char* pOptions, ZelRegExpState*
     pState->matchLimit = kDefaultMatchLimit;
     pState->trailingLiteral = compiler.trailingLiteral();
     pState->nodeCount = compiler.nodeCount();
+    addLightProgram(*pState, compiler.textEnd(), compiler.patternEnd() - pattern + 1);
     return zelStatusOk;
 }
 

@@ -45,6 +45,8 @@ public:
     int nodeCount() const { return nodeCount_; }
     int trailingLiteral() const { return trailingLiteral_; }
     const Zel8u* errorAt() const { return errorAt_; }
+    const Zel8u* patternEnd() const { return p_; }
+    char* textEnd() const { return textEnd_; }  // of the literals' text
 
 private:
     /// A group whose ")" has not been reached.
@@ -122,6 +124,7 @@ private:
     int nodeCount_;
     const Zel8u* p_;  // the next byte of the pattern
     const Zel8u* errorAt_ = nullptr;
+    char* textEnd_ = nullptr;
     Zel32u flags_;
 
     // The pending literal run: one contiguous piece of the pattern that has no node yet. Bytes that

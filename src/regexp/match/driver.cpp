@@ -406,8 +406,8 @@ ZelStatus findAll(Search& search, const Zel8u* text, int numCaptures, bool whole
     }
 
     const int length = narrowedLength(pSrc, srcLen, *pRegExpState);
-    if (beginsAtStart(*pRegExpState) && (pRegExpState->options & kOptionGlobal) == 0) {
-        switch (walkLightly(*pRegExpState, pSrc, length, work)) {
+    if (const LightProgram* program = findLightProgram(*pRegExpState); program != nullptr) {
+        switch (walkLightly(*program, *pRegExpState, pSrc, length, work.captures)) {
             case LightOutcome::kMatched:
                 if (*pNumFind > pRegExpState->groupCount) *pNumFind = pRegExpState->groupCount;
                 copyRecords(work.captures, *pNumFind, pResult);

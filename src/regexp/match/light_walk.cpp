@@ -2,441 +2,355 @@
 // engine.cpp, greedy_runs.h, groups.h and lazy_runs.cpp.
 #include "regexp/match/light_walk.h"
 
-#include "regexp/match/light_atoms.h"
+#include <emmintrin.h>
+
 #include "regexp/match/positions.h"
+#include "regexp/match/predicates.h"
+#include "string/kernels/api.h"
 
 namespace zel {
 
 namespace {
 
-using namespace light;
-
-// Whoever spends more is better served by the engine, which gives back with more care.
-constexpr int kMostSteps = 2000;
-constexpr int kMaxChoices = 16;
-
-/// A place where the line could go another way.
-struct Choice {
-    enum Kind : int {
-        kRun,    // a greedy run can be shorter: the rest from `node` on, down to `limit`
-        kLazy,   // the lazy run of the atom `node` can be longer, up to `limit`
-        kGroup,  // the group that opens at `node` can be passed over
-    };
-    Kind kind;
-    const Node* node;
-    const Zel8u* position;
-    const Zel8u* limit;
-    const Zel8u* start;  // of a lazy run
-};
-
-/// What the program from a node on has to find in front of the end of the text, and what it costs
-/// to find out that it does not: it goes through assertions, closes and what takes nothing.
-class Beginning {
-public:
-    /// Reads on from the node; nothing is known of programs that go on in other ways.
-    [[gnu::noinline]] void read(const Node* node, const Node* nodesEnd,
-                                const ZelRegExpState& state) {
-        from_ = node;
-        mask_ = 0;
-        letters_ = 0;
-        class_ = nullptr;
-        price_ = 0;
-        known_ = false;
-        flags_ = state.options;
-        while (node < nodesEnd && !known_) {
-            ++price_;
-            const Node* next = node + 1;
-            switch (node->kind) {
-                case NodeGroupingClose:
-                    if (isQuantifier(next, nodesEnd)) return;
-                    node = next;
-                    continue;
-                case NodeGroupingCapture:
-                case NodeGroupingNoCapture:
-                    if (isQuantifier(next + node->count + 1, nodesEnd)) return;
-                    node = next;
-                    continue;
-                case NodePosition:
-                    if (isQuantifier(next, nodesEnd) || (node->value != '$' && node->value != 'Z'))
-                        return;
-                    known_ = addLetter('\n');
-                    return;
-                case NodeLetter:
-                    if (!addLetter(static_cast<Zel8u>(node->value))) return;
-                    break;
-                case NodeString:
-                    known_ = addLetter(*static_cast<const Zel8u*>(node->data));
-                    return;
-                case NodeLetterRange:
-                    mask_ |= kShorthands.maskOf(*node, flags_);
-                    break;
-                case NodeCharacterClass:
-                    if (class_ != nullptr || !ClassAtom{*node, flags_, false}.isKnown()) return;
-                    class_ = node;
-                    next += node->count;
-                    break;
-                default:
-                    return;
-            }
-            known_ = !isQuantifier(next, nodesEnd) || next->value > 0;
-            if (next->kind == NodeQuantifierMin) return;
-            node = next + 1;
-        }
+constexpr bool holdsTheSame(const AsciiSet& set, const ByteSet& bytes) {
+    for (unsigned c = 0; c < 0x80; ++c) {
+        if (set.has(c) != bytes.has(static_cast<Zel8u>(c))) return false;
     }
+    return true;
+}
+static_assert(holdsTheSame(kAsciiDigits, kDigitBytes));
+static_assert(holdsTheSame(kAsciiWords, kWordBytes));
+static_assert(holdsTheSame(kAsciiSpaces, kSpaceBytes));
 
-    const Node* from() const { return from_; }
-    bool isKnown() const { return known_; }
-    int price() const { return price_; }
-    bool mayBegin(Zel8u byte) const {
-        if (byte >= 0x80 || (kShorthands.bytes[byte] & mask_) != 0) return true;
-        for (int i = 0; i < letters_; ++i) {
-            if (byte == letter_[i]) return true;
+// Whoever goes back more often is better served by the engine, which gives back with more care.
+constexpr int kMostReturns = 100;
+
+/// Which characters of the text are in which sets, as questions of the walk. Most texts take one
+/// word of each set's mask.
+template <bool kOneWord>
+class Members {
+public:
+    explicit Members(const kernels::TextMasks& masks) : masks_(masks) {}
+
+    bool has(int set, int position) const {
+        return (word(set, position) >> (position & 63) & 1) != 0;
+    }
+    /// The first position from `position` on that is not a member's; the end of the text is none.
+    int endOfRun(int set, int position) const {
+        uint64_t others = ~word(set, position) >> (position & 63);
+        while (!kOneWord && others == 0) {
+            position = (position | 63) + 1;
+            others = ~word(set, position);
         }
-        return class_ != nullptr && ClassAtom{*class_, flags_, false}.takes(byte);
+        return position + __builtin_ctzll(others);
+    }
+    /// The first position of a member from `position` on, `limit` when there is none in front of
+    /// it.
+    int next(int set, int position, int limit) const {
+        uint64_t members = word(set, position) >> (position & 63);
+        while (members == 0) {
+            position = (position | 63) + 1;
+            if (position >= limit) return limit;
+            members = word(set, position);
+        }
+        position += __builtin_ctzll(members);
+        return position < limit ? position : limit;
+    }
+    /// The last position of a member from `limit` on and in front of `position`, -1 for none.
+    int previous(int set, int position, int limit) const {
+        while (--position >= limit) {
+            const uint64_t members = word(set, position) << (63 - (position & 63));
+            if (members != 0) {
+                position -= __builtin_clzll(members);
+                return position >= limit ? position : -1;
+            }
+            position &= ~63;
+        }
+        return -1;
     }
 
 private:
-    static bool isQuantifier(const Node* node, const Node* nodesEnd) {
-        return node < nodesEnd && node->kind - NodeQuantifierMin <= 1u;
-    }
-    bool addLetter(Zel8u letter) {
-        if (letters_ == kMaxLetters) return false;
-        letter_[letters_++] = letter;
-        return true;
+    uint64_t word(int set, int position) const {
+        return masks_.words[kOneWord ? 0 : position >> 6][set];
     }
 
-    static constexpr int kMaxLetters = 3;
-    const Node* from_ = nullptr;
-    const Node* class_;
-    Zel32u flags_;
-    int price_;
-    int letters_;
-    Zel8u letter_[kMaxLetters];
-    Zel8u mask_;
-    bool known_;
+    const kernels::TextMasks& masks_;
 };
 
+/// Where the walk stands: in front of an operation, at a position of the text.
+struct Place {
+    const LightOperation* operation;
+    int position;
+};
+
+/// A place where the walk could have gone another way.
+struct Choice {
+    const LightOperation* operation;
+    int position;  // where the rest has been tried last
+    int start;     // of a run
+};
+
+template <bool kOneWord>
 class LightWalk {
 public:
-    LightWalk(const ZelRegExpState& state, const Zel8u* text, int length, const WorkAreas& work,
-              Choice* choices, Beginning& beginning)
-        : state_(state),
-          nodes_(state.nodes()),
-          nodesEnd_(nodes_ + state.nodeCount),
+    LightWalk(const LightProgram& program, const ZelRegExpState& state, const Zel8u* text,
+              int length, const kernels::TextMasks& masks, CaptureRecord* captures)
+        : program_(program),
+          state_(state),
           text_(text),
-          end_(text + length),
-          captures_(work.captures),
-          groups_(work.groups),
-          choices_(choices),
-          beginning_(beginning),
-          position_(text),
-          node_(nodes_),
-          steps_(state.matchLimit < kMostSteps ? state.matchLimit : kMostSteps) {}
+          length_(length),
+          members_(masks),
+          captures_(captures) {}
 
     LightOutcome run() {
-        if (isQuantifier(nodes_ + 1)) return LightOutcome::kNotKnown;
-        ++node_;  // the assertion that this is the start of the text
-        --steps_;
+        Place place = {program_.operations(), 0};
         for (;;) {
-            Step step = kGoOn;
-            while (step == kGoOn) {
-                if (node_ == nodesEnd_) return finish();
-                --steps_;
-                step = execute(*node_);
+            const int end = takeLine(place);
+            if (end >= 0) {
+                captures_[0] = {text_, end + raised_};
+                return affords() ? LightOutcome::kMatched : LightOutcome::kNotKnown;
             }
-            while (step == kFail) {
-                if (steps_ < 0 || hasBars()) return LightOutcome::kNotKnown;
-                if (top_ == 0) return LightOutcome::kFailed;
-                step = goBack(choices_[top_ - 1]);
-            }
-            if (step == kUnknown) return LightOutcome::kNotKnown;
+            do {
+                if (top_ == 0) return affords() ? LightOutcome::kFailed : LightOutcome::kNotKnown;
+                if (++returns_ > kMostReturns) return LightOutcome::kNotKnown;
+            } while (!goBack(choices_[top_ - 1], place));
         }
     }
 
 private:
-    enum Step { kGoOn, kFail, kUnknown };
+    static constexpr int kFailed = -1;
 
-    bool isQuantifier(const Node* node) const {
-        return node < nodesEnd_ && node->kind - NodeQuantifierMin <= 1u;
+    /// Whether the budget suffices for all that the engine may have spent: for each line that was
+    /// taken, the nodes on it, what its runs give back in vain, and what was passed over where it
+    /// began.
+    bool affords() const {
+        const int passed = 2 * (length_ + 1) * program_.missPrice;
+        return (returns_ + 1) * (program_.pathPrice + passed) <= state_.matchLimit;
     }
-    int left() const { return static_cast<int>(end_ - position_); }
-    Step push(const Choice& choice) {
-        if (top_ == kMaxChoices) return kUnknown;
-        choices_[top_++] = choice;
-        return kGoOn;
+    void push(const LightOperation& operation, int position, int start) {
+        choices_[top_++] = {&operation, position, start};
     }
-
-    LightOutcome finish() const {
-        if (steps_ < 0) return LightOutcome::kNotKnown;
-        captures_[0] = {text_, static_cast<int>(position_ - text_) + raised_};
-        return LightOutcome::kMatched;
+    void capture(int slot, int start, int end) {
+        if (slot != 0) captures_[slot] = {text_ + start, end - start};
     }
 
-    /// Bars give more choices, at top level and in groups. The walk meets them itself, and stops
-    /// there, as long as nothing fails.
-    bool hasBars() {
-        if (knowsBars_) return false;
-        knowsBars_ = true;
-        const Node* node = nodes_;
-        for (; nodesEnd_ - node >= 4; node += 4) {
-            if (isBar(node[0]) || isBar(node[1]) || isBar(node[2]) || isBar(node[3])) return true;
+    bool isEnd(int position) const {
+        return position == length_ || (position + 1 == length_ && text_[position] == '\n');
+    }
+
+    int takeLine(Place place);
+    bool goBack(Choice& choice, Place& place);
+    bool giveBack(Choice& choice, Place& place);
+    bool stretch(Choice& choice, Place& place);
+    const LightOperation* passOver(const LightOperation& group);
+    bool holds(const LightOperation& operation, int position) const;
+    bool isText(const LightOperation& operation, int position) const;
+
+    const LightProgram& program_;
+    const ZelRegExpState& state_;
+    const Zel8u* const text_;
+    const int length_;
+    const Members<kOneWord> members_;
+    CaptureRecord* const captures_;
+    int top_ = 0;
+    int returns_ = 0;
+    int raised_ = 0;  // what lazy runs that failed have left in the whole match's length
+    Choice choices_[LightProgram::kMaxChoices];
+};
+
+/// From a place to the end of the program: the end of the match, kFailed when there is none.
+template <bool kOneWord>
+int LightWalk<kOneWord>::takeLine(Place place) {
+    int position = place.position;
+    for (const LightOperation* next = place.operation;;) {
+        const LightOperation& operation = *next++;
+        switch (operation.kind) {
+            case kLightLetter:
+                if (position == length_ || text_[position] != operation.set) return kFailed;
+                ++position;
+                break;
+            case kLightText:
+                if (!isText(operation, position)) return kFailed;
+                position += operation.max;
+                break;
+            case kLightOne:
+                if (!members_.has(operation.set, position)) return kFailed;
+                ++position;
+                break;
+            case kLightRun:
+            case kLightGiving: {
+                const int start = position;
+                const int low = start + operation.min;
+                const int most = start + operation.max;
+                const int end = members_.endOfRun(operation.set, start);
+                position = end < most ? end : most;
+                if (position < low) return kFailed;
+                capture(operation.slot, start, position);
+                if (operation.kind == kLightGiving && position > low)
+                    push(operation, position, start);
+                break;
+            }
+            case kLightLazy:
+            case kLightRaising: {
+                const int start = position;
+                const int end = members_.endOfRun(operation.set, start);
+                position += operation.min;
+                if (end < position) return kFailed;
+                push(operation, position, start);
+                if (operation.rest != LightOperation::kAnything && position != length_ &&
+                    !members_.has(operation.rest, position))
+                    return kFailed;
+                capture(operation.slot, start, position);
+                break;
+            }
+            case kLightOptional:
+                if (!members_.has(operation.rest, position)) next = passOver(operation);
+                break;
+            case kLightTrying:
+                if (operation.rest != LightOperation::kAnything &&
+                    !members_.has(operation.rest, position)) {
+                    next = passOver(operation);
+                } else {
+                    push(operation, position, position);
+                }
+                break;
+            case kLightOpen:
+                captures_[operation.slot].text = text_ + position;
+                break;
+            case kLightClose: {
+                CaptureRecord& record = captures_[operation.slot];
+                record.length = static_cast<int>(text_ + position - record.text);
+                break;
+            }
+            case kLightEndMatch:
+                return isEnd(position) ? position : kFailed;
+            case kLightMatch:
+                return position;
+            default:
+                if (!holds(operation, position)) return kFailed;
         }
-        for (; node != nodesEnd_; ++node) {
-            if (isBar(*node)) return true;
-        }
+    }
+}
+
+/// Whether an assertion holds.
+template <bool kOneWord>
+bool LightWalk<kOneWord>::holds(const LightOperation& operation, int position) const {
+    switch (operation.kind) {
+        case kLightVeryEnd:
+            return position == length_;
+        case kLightLineEnd:
+            return position == length_ || text_[position] == '\n';
+        case kLightEnd:
+            return isEnd(position);
+        case kLightBoundary:
+            return atWordBoundary(text_ + position, text_);
+        default:
+            return !atWordBoundary(text_ + position, text_);
+    }
+}
+
+template <bool kOneWord>
+bool LightWalk<kOneWord>::isText(const LightOperation& operation, int position) const {
+    const auto* literal =
+        reinterpret_cast<const Zel8u*>(state_.nodes() + state_.nodeCount) + operation.min;
+    if (length_ - position < operation.max) return false;
+    for (int i = 0; i < operation.max; ++i) {
+        if (text_[position + i] != literal[i]) return false;
+    }
+    return true;
+}
+
+/// Finds the place from which to go on another way; false when there is none left, and the choice
+/// is gone.
+template <bool kOneWord>
+bool LightWalk<kOneWord>::goBack(Choice& choice, Place& place) {
+    switch (choice.operation->kind) {
+        case kLightGiving:
+            return giveBack(choice, place);
+        case kLightLazy:
+        case kLightRaising:
+            return stretch(choice, place);
+        default:
+            place = {passOver(*choice.operation), choice.position};
+            --top_;
+            return true;
+    }
+}
+
+/// Behind a shorter run.
+template <bool kOneWord>
+bool LightWalk<kOneWord>::giveBack(Choice& choice, Place& place) {
+    const LightOperation& operation = *choice.operation;
+    const int low = choice.start + operation.min;
+    const int position = operation.rest == LightOperation::kAnything
+                             ? choice.position - 1
+                             : members_.previous(operation.rest, choice.position, low);
+    if (position <= low) --top_;
+    if (position < low) return false;
+    choice.position = position;
+    capture(operation.slot, choice.start, position);
+    place = {&operation + 1, position};
+    return true;
+}
+
+/// Behind a longer lazy run.
+template <bool kOneWord>
+bool LightWalk<kOneWord>::stretch(Choice& choice, Place& place) {
+    const LightOperation& operation = *choice.operation;
+    const int end = members_.endOfRun(operation.set, choice.start);
+    const int most = choice.start + operation.max;
+    const int last = end < most ? end : most;
+    int position = choice.position + 1;
+    if (position > last) {
+        if (operation.kind == kLightRaising) raised_ += last + (end > most) - choice.start;
+        --top_;
         return false;
     }
-    static bool isBar(const Node& node) { return node.kind == NodeAlternative; }
+    if (operation.rest != LightOperation::kAnything)
+        position = members_.next(operation.rest, position, last);
+    choice.position = position;
+    capture(operation.slot, choice.start, position);
+    place = {&operation + 1, position};
+    return true;
+}
 
-    Step execute(const Node& node) {
-        switch (node.kind) {
-            case NodeLetter:
-                return take(letterAtom(node), &node + 1);
-            case NodeLetterRange:
-                return take(shorthandAtom(node), &node + 1);
-            case NodeCharacterClass:
-                return withClass(
-                    node, [&](const auto& atom) { return take(atom, &node + 1 + node.count); });
-            case NodeString:
-                return takeString(node);
-            case NodePosition:
-                return check(node);
-            case NodeGroupingCapture:
-            case NodeGroupingNoCapture:
-                return enterGroup(node);
-            case NodeGroupingClose:
-                return leaveGroup(node);
-            default:
-                return kUnknown;
-        }
-    }
-
-    LetterAtom letterAtom(const Node& node) const { return {node}; }
-    ShorthandAtom shorthandAtom(const Node& node) const {
-        return {node, state_.options, kShorthands.maskOf(node, state_.options)};
-    }
-    template <typename Function>
-    Step withClass(const Node& head, const Function& function) const {
-        PairAtom pair(head, state_.format == kFormatUtf8);
-        if (pair.describe()) return function(pair);
-        return function(ClassAtom{head, state_.options, pair.decodes});
-    }
-
-    Step takeString(const Node& node) {
-        const Zel8u* literal = static_cast<const Zel8u*>(node.data);
-        if (left() < node.count) return kFail;
-        for (int i = 0; i < node.count; ++i) {
-            if (position_[i] != literal[i]) return kFail;
-        }
-        position_ += node.count;
-        ++node_;
-        return kGoOn;
-    }
-
-    Step check(const Node& node) {
-        if (isQuantifier(&node + 1)) return kUnknown;
-        if (!positionHolds(node.value, position_, left(), text_, state_.options)) return kFail;
-        ++node_;
-        return kGoOn;
-    }
-
-    template <typename Atom>
-    Step take(const Atom& atom, const Node* behind) {
-        if (isQuantifier(behind)) {
-            return behind->kind == NodeQuantifierMax ? takeRun(atom, *behind)
-                                                     : beginLazy(atom, *behind);
-        }
-        if (position_ == end_) return kFail;
-        if (!atom.isKnown() || atom.leaves(*position_)) return kUnknown;
-        if (!atom.takes(*position_)) return kFail;
-        ++position_;
-        node_ = behind;
-        return kGoOn;
-    }
-
-    /// The first byte of [run, stop) that the atom does not take.
-    template <typename Atom>
-    Taken takeAll(const Atom& atom, const Zel8u* stop) const {
-        const Zel8u* run = position_;
-        const bool isFew = stop - run <= Atom::kFew;
-        if (isFew || Atom::kFewFirst) {
-            if (!atom.isKnown()) return {Taken::kNotAsked, run};
-            const Zel8u* near = isFew ? stop : run + Atom::kFew;
-            run = takeFew(atom, run, near);
-            if (run < near || isFew) return {Taken::kHere, run};
-        }
-        Taken taken = takeChunk(Chunks(text_, end_), atom, stop, run);
-        if (taken.end == Taken::kFurther)
-            taken = takeChunks(Chunks(text_, end_), atom, stop, taken.run);
-        return taken;
-    }
-
-    template <typename Atom>
-    Step takeRun(const Atom& atom, const Node& quantifier) {
-        const Zel8u* stop = quantifier.count < left() ? position_ + quantifier.count : end_;
-        const Zel8u* low = position_ + quantifier.value;
-        const Taken taken = takeAll(atom, stop);
-        const Zel8u* run = taken.run;
-        if (taken.end == Taken::kNotAsked || (run < end_ && atom.leaves(*run))) return kUnknown;
-        position_ = run;
-        node_ = &quantifier + 1;
-        if (run > low) return push({Choice::kRun, node_, run, low, nullptr});
-        if (run == low) return kGoOn;
-        return quantifier.count < quantifier.value ? kUnknown : kFail;
-    }
-
-    template <typename Atom>
-    Step beginLazy(const Atom& atom, const Node& quantifier) {
-        if (quantifier.count < quantifier.value || top_ == kMaxChoices || !atom.isKnown())
-            return kUnknown;
-        const Zel8u* start = position_;
-        const Zel8u* limit = quantifier.count < left() ? position_ + quantifier.count : end_;
-        for (int i = 0; i < quantifier.value; ++i, ++position_) {
-            if (position_ == end_) return kFail;
-            if (atom.leaves(*position_)) return kUnknown;
-            if (!atom.takes(*position_)) return kFail;
-        }
-        const Zel8u* run = position_;
-        const Node* rest = &quantifier + 1;
-        Choice& choice = choices_[top_++];
-        choice = {Choice::kLazy, node_, run, limit, start};
-        node_ = rest;
-        // At the end of the text the byte behind it decides.
-        if (Atom::kHints && isElsewhere(*rest, run)) return stretch(atom, choice, rest);
-        return kGoOn;
-    }
-
-    /// Whether a letter that a lazy run looks out for does not stand at the position.
-    bool isElsewhere(const Node& rest, const Zel8u* position) const {
-        return &rest != nodesEnd_ && rest.kind == NodeLetter &&
-               *position != static_cast<Zel8u>(rest.value);
-    }
-
-    /// Makes the lazy run longer by the next characters, until it is worth going on behind it.
-    template <typename Atom>
-    Step stretch(const Atom& atom, Choice& choice, const Node* rest) {
-        const Zel8u* run = choice.position;
-        do {
-            if (run < end_ && atom.leaves(*run)) return kUnknown;
-            if (run == end_ || !atom.takes(*run)) return endLazy<Atom>(choice, run);
-            if (++run > choice.limit) return endLazy<Atom>(choice, run);
-        } while ((Atom::kHints && isElsewhere(*rest, run)) || cannotBegin(rest, run));
-        choice.position = position_ = run;
-        node_ = rest;
-        return kGoOn;
-    }
-
-    /// Whether the rest cannot begin at the position, which has then been paid for.
-    bool cannotBegin(const Node* rest, const Zel8u* position) {
-        if (position == end_ || !isKnownBeginning(rest) || beginning_.mayBegin(*position))
-            return false;
-        steps_ -= beginning_.price();
-        return true;
-    }
-
-    template <typename Atom>
-    Step endLazy(const Choice& choice, const Zel8u* run) {
-        if (Atom::kRaises) raised_ += static_cast<int>(run - choice.start);
-        --top_;
-        return kFail;
-    }
-
-    Step enterGroup(const Node& node) {
-        const Node* close = &node + 1 + node.count;
-        groups_[node.value].openNode = static_cast<int>(&node - nodes_);
-        if (node.kind == NodeGroupingCapture) captures_[node.extra] = {position_, 0};
-        node_ = &node + 1;
-        if (!isQuantifier(close + 1)) return kGoOn;
-        const Node& quantifier = close[1];
-        if (quantifier.kind != NodeQuantifierMax || quantifier.count != 1) return kUnknown;
-        if (quantifier.value != 0) return quantifier.value == 1 ? kGoOn : kUnknown;
-        return push({Choice::kGroup, &node, position_, nullptr, nullptr});
-    }
-
-    Step leaveGroup(const Node& node) {
-        const Node& opening = nodes_[groups_[node.value].openNode];
-        if (opening.kind == NodeGroupingCapture) {
-            CaptureRecord& record = captures_[opening.extra];
-            record.length = static_cast<int>(position_ - record.text);
-        }
-        node_ = isQuantifier(&node + 1) ? &node + 2 : &node + 1;
-        return kGoOn;
-    }
-
-    Step passOverGroup(const Choice& choice) {
-        const Node* close = choice.node + 1 + choice.node->count;
-        for (const Node* node = choice.node; node != close; ++node) {
-            if (node->kind == NodeGroupingCapture) captures_[node->extra] = {nullptr, -1};
-        }
-        position_ = choice.position;
-        node_ = close + 2;
-        --top_;
-        return kGoOn;
-    }
-
-    /// The rest behind a shorter run; where it cannot begin, for its price.
-    Step giveBack(Choice& choice) {
-        const Zel8u* run = choice.position - 1;
-        if (run > choice.limit && isKnownBeginning(choice.node)) {
-            while (run >= choice.limit && !beginning_.mayBegin(*run)) {
-                steps_ -= beginning_.price();
-                --run;
-            }
-        }
-        choice.position = position_ = run;
-        node_ = choice.node;
-        if (run <= choice.limit) --top_;
-        return run >= choice.limit ? kGoOn : kFail;
-    }
-
-    bool isKnownBeginning(const Node* node) {
-        if (beginning_.from() != node) beginning_.read(node, nodesEnd_, state_);
-        return beginning_.isKnown();
-    }
-
-    Step goBack(Choice& choice) {
-        switch (choice.kind) {
-            case Choice::kRun:
-                return giveBack(choice);
-            case Choice::kLazy: {
-                const Node& node = *choice.node;
-                if (node.kind == NodeLetter) return stretch(letterAtom(node), choice, &node + 2);
-                if (node.kind == NodeLetterRange)
-                    return stretch(shorthandAtom(node), choice, &node + 2);
-                return withClass(node, [&](const auto& atom) {
-                    return stretch(atom, choice, &node + 2 + node.count);
-                });
-            }
-            case Choice::kGroup:
-                return passOverGroup(choice);
-        }
-        return kUnknown;
-    }
-
-    const ZelRegExpState& state_;
-    const Node* const nodes_;
-    const Node* const nodesEnd_;
-    const Zel8u* const text_;
-    const Zel8u* const end_;
-    CaptureRecord* const captures_;
-    GroupFrame* const groups_;
-    Choice* const choices_;
-    Beginning& beginning_;
-    const Zel8u* position_;
-    const Node* node_;
-    int steps_;
-    int top_ = 0;
-    int raised_ = 0;  // what lazy runs that failed have left in the whole match's length
-    bool knowsBars_ = false;
-};
+/// Unsets the captures of a group; the operation behind it.
+template <bool kOneWord>
+const LightOperation* LightWalk<kOneWord>::passOver(const LightOperation& group) {
+    for (int i = 0; i < group.set; ++i) captures_[group.slot + i] = {nullptr, -1};
+    return program_.operations() + group.min;
+}
 
 }  // namespace
 
-LightOutcome walkLightly(const ZelRegExpState& state, const Zel8u* text, int length,
-                         WorkAreas work) {
-    Choice choices[kMaxChoices];
-    Beginning beginning;
-    return LightWalk(state, text, length, work, choices, beginning).run();
+const LightProgram* findLightProgram(const ZelRegExpState& state) {
+    if (!mayHaveLightProgram(state)) return nullptr;
+    const auto* start = reinterpret_cast<const Zel8u*>(state.nodes() + state.nodeCount);
+    if (*start != 0) {
+        ptrdiff_t length = 0;
+        unsigned zeros = 0;
+        for (;; length += 16) {
+            const auto* at = reinterpret_cast<const __m128i*>(start + length);
+            const __m128i isZero = _mm_cmpeq_epi8(_mm_loadu_si128(at), _mm_setzero_si128());
+            zeros = static_cast<unsigned>(_mm_movemask_epi8(isZero));
+            if (zeros != 0) break;
+        }
+        length += __builtin_ctz(zeros);
+        start += (length + 7) / 8 * 8;
+    }
+    const auto* program = reinterpret_cast<const LightProgram*>(start);
+    return program->mark == LightProgram::kMark ? program : nullptr;
+}
+
+LightOutcome walkLightly(const LightProgram& program, const ZelRegExpState& state,
+                         const Zel8u* text, int length, CaptureRecord* captures) {
+    kernels::TextMasks masks;
+    if (length > kernels::TextMasks::kMaxLength ||
+        !kernels::maskAscii(text, length, reinterpret_cast<const Zel8u*>(program.sets()),
+                            program.setCount, &masks))
+        return LightOutcome::kNotKnown;
+    if (length < 64) return LightWalk<true>(program, state, text, length, masks, captures).run();
+    return LightWalk<false>(program, state, text, length, masks, captures).run();
 }
 
 }  // namespace zel

@@ -1,6 +1,7 @@
 // The kernels that other parts of the library call.
 #include "string/kernels/api.h"
 
+#include "string/kernels/ascii_masks.h"
 #include "string/kernels/find_any.h"
 #include "string/kernels/find_ignore_case.h"
 #include "string/kernels/find_string.h"
@@ -110,6 +111,10 @@ int64_t boundRuns(const Zel8u* p, int len, const uint64_t* set) {
 int collectRunsOf(const Zel8u* p, int len, const uint64_t* set, ZelRegExpFind* runs, int capacity,
                   int* resume) {
     return collectRuns(p, len, set, runs, capacity, resume);
+}
+
+bool maskAscii(const Zel8u* p, int len, const Zel8u* sets, int count, kernels::TextMasks* masks) {
+    return maskAsciiSets(p, len, sets, count, *masks);
 }
 
 int countUtf8Continuations(const Zel8u* p, int len) {

@@ -110,6 +110,18 @@ int64_t boundRuns(const Zel8u* p, int len, const uint64_t* set);
 int collectRunsOf(const Zel8u* p, int len, const uint64_t* set, ZelRegExpFind* runs, int capacity,
                   int* resume);
 
+/// Which bytes of a short text are in which of some sets: bit i & 63 of words[i >> 6][s] for byte i
+/// and set s. The bit behind the last byte is zero.
+struct TextMasks {
+    static constexpr int kWords = 4;
+    static constexpr int kMaxLength = 64 * kWords - 1;
+    static constexpr int kMaxSets = 16;
+    uint64_t words[kWords][kMaxSets];
+};
+/// Writes the masks of a text of up to kMaxLength ASCII bytes, for `count` sets of 16 bytes: bit
+/// c >> 4 of byte c & 15 says whether c is a member. False when the text holds other bytes.
+bool maskAscii(const Zel8u* p, int len, const Zel8u* sets, int count, TextMasks* masks);
+
 /// The work of ownsCopy_8u and ownsZero_8u of core/memory.h, which say what it is.
 void copyBytes(const Zel8u* src, Zel8u* dst, ptrdiff_t n);
 void zeroBytes(Zel8u* dst, ptrdiff_t n);
@@ -126,5 +138,5 @@ int countUtf8Continuations(const Zel8u* p, int len);
     X(findByteNotIn) X(findByteInRev) X(findByteNotInRev) X(findBytes) X(findBytesRev)            \
     X(findBytesIgnoreCase) X(countUtf8Continuations) X(gatherBytes) X(gatherBytesFolded)          \
     X(gatherBytesIn) X(gatherShapes) X(gatherPairsIn) X(gatherDoubled) X(gatherPrefixes) X(boundRuns)             \
-    X(collectRunsOf) X(copyBytes) X(zeroBytes)
+    X(collectRunsOf) X(maskAscii) X(copyBytes) X(zeroBytes)
 // clang-format on
