@@ -109,7 +109,7 @@ TEST(AsciiMasks, SayWhichBytesAreInWhichSets) {
         }
         FOR_EACH_INSTANCE({
             TextMasks masks;
-            ASSERT_EQ(maskAscii(text, length, sets[0], count, &masks), isAscii);
+            ASSERT_EQ((maskAscii)(text, length, sets[0], count, &masks), isAscii);
             for (int s = 0; s < count && isAscii; ++s) {
                 for (int i = 0; i < length; ++i) {
                     const bool isMember = (sets[s][text[i] & 15] >> (text[i] >> 4) & 1) != 0;
