@@ -27,7 +27,14 @@ struct AsciiSet {
     /// The characters from first to last; those that are not ASCII are left out.
     constexpr void addRange(unsigned first, unsigned last) {
         if (last > 0x7F) last = 0x7F;
-        for (unsigned c = first; c <= last; ++c) add(c);
+        for (; first <= last; first = (first | 15) + 1) {  // those with the same high half
+            const unsigned from = first & 15;
+            const unsigned behind = (first | 15) <= last ? 16 : (last & 15) + 1;
+            const uint64_t bits = uint64_t{0x0101010101010101} << (first >> 4);
+            words[0] |= bits & bytesFrom(from) & ~bytesFrom(behind);
+            words[1] |=
+                bits & bytesFrom(from < 8 ? 0 : from - 8) & ~bytesFrom(behind < 8 ? 0 : behind - 8);
+        }
     }
     constexpr void addAll(const AsciiSet& other) {
         words[0] |= other.words[0];
@@ -43,6 +50,7 @@ private:
     static constexpr uint64_t bitOf(unsigned c) {
         return uint64_t{1} << (8 * (c & 7) + ((c >> 4) & 7));
     }
+    static constexpr uint64_t bytesFrom(unsigned i) { return i < 8 ? ~uint64_t{0} << (8 * i) : 0; }
 };
 
 constexpr bool disjoint(const AsciiSet& a, const AsciiSet& b) {
@@ -55,31 +63,37 @@ constexpr AsciiSet asciiRanges(const char* firstsAndLasts) {
         set.addRange(static_cast<unsigned>(pair[0]), static_cast<unsigned>(pair[1]));
     return set;
 }
+constexpr AsciiSet inverted(AsciiSet set) {
+    set.invert();
+    return set;
+}
 inline constexpr AsciiSet kAsciiDigits = asciiRanges("09");
 inline constexpr AsciiSet kAsciiWords = asciiRanges("09AZaz__");
 inline constexpr AsciiSet kAsciiSpaces = asciiRanges("\t\n\f\r  ");
+inline constexpr AsciiSet kAsciiNewLine = asciiRanges("\n\n");
 
 /// What one operation does at the position. Those that can fail say so by "must".
 enum LightKind : Zel8u {
-    kLightLetter,    // the letter `set` must stand there; behind it
-    kLightText,      // `max` bytes from offset `min` of the literals' text must stand there
-    kLightOne,       // a member of `set` must stand there
-    kLightRun,       // `min` to `max` members of `set`, as many as there are
-    kLightGiving,    // the same, but when the rest fails it is tried behind fewer of them
-    kLightLazy,      // as few members as there can be
-    kLightRaising,   // the same; when it fails, it leaves the whole match longer by what it took
-    kLightOptional,  // a group that may be passed over, to go on at operation `min`: because its
-                     // body cannot begin in front of what stands there
-    kLightTrying,    // the same, but also when the body or what is behind it fails
-    kLightOpen,      // the capture `slot` begins
-    kLightClose,     // and ends
-    kLightEnd,       // here must be the end, perhaps behind a newline
-    kLightVeryEnd,   // the end
-    kLightLineEnd,   // the end or a newline
-    kLightBoundary,  // a word boundary
-    kLightInside,    // no word boundary
-    kLightMatch,     // a match
-    kLightEndMatch,  // kLightEnd, kLightMatch
+    kLightLetter,     // the letter `set` must stand there; behind it
+    kLightText,       // `max` bytes from offset `min` of the literals' text must stand there
+    kLightOne,        // a member of `set` must stand there
+    kLightRun,        // `min` to `max` members of `set`, as many as there are
+    kLightRunLetter,  // the same, and behind them the letter `rest` must stand
+    kLightGiving,     // the same, but when the rest fails it is tried behind fewer of them
+    kLightLazy,       // as few members as there can be
+    kLightRaising,    // the same; when it fails, it leaves the whole match longer by what it took
+    kLightOptional,   // a group that may be passed over, to go on at operation `min`: because its
+                      // body cannot begin in front of what stands there
+    kLightTrying,     // the same, but also when the body or what is behind it fails
+    kLightOpen,       // the capture `slot` begins
+    kLightClose,      // and ends
+    kLightEnd,        // here must be the end, perhaps behind a newline
+    kLightVeryEnd,    // the end
+    kLightLineEnd,    // the end or a newline
+    kLightBoundary,   // a word boundary
+    kLightInside,     // no word boundary
+    kLightMatch,      // a match
+    kLightEndMatch,   // kLightEnd, kLightMatch
 };
 
 /// One operation. Sets are given by their numbers. `rest` are the characters that what follows can

@@ -14,29 +14,33 @@ namespace zel {
 
 namespace {
 
+constexpr AsciiSet kNothing = {};
+constexpr AsciiSet kEverything = inverted(kNothing);
+constexpr AsciiSet kDigitNot = inverted(kAsciiDigits);
+constexpr AsciiSet kWordNot = inverted(kAsciiWords);
+constexpr AsciiSet kSpaceNot = inverted(kAsciiSpaces);
+constexpr AsciiSet kNewLineNot = inverted(kAsciiNewLine);
+
 /// The characters that a shorthand accepts.
-AsciiSet shorthandSet(int letter, bool dotAll) {
-    AsciiSet set = {};
+const AsciiSet& shorthandSet(int letter, bool dotAll) {
     switch (letter) {
-        case 'w':
-        case 'W':
-            set = kAsciiWords;
-            break;
         case 'd':
+            return kAsciiDigits;
         case 'D':
-            set = kAsciiDigits;
-            break;
+            return kDigitNot;
         case 's':
+            return kAsciiSpaces;
         case 'S':
-            set = kAsciiSpaces;
-            break;
-        default:  // the dot
-            if (!dotAll) set.add('\n');
-            set.invert();
-            return set;
+            return kSpaceNot;
+        case 'w':
+            return kAsciiWords;
+        case 'W':
+            return kWordNot;
+        case '.':
+            return dotAll ? kEverything : kNewLineNot;
+        default:
+            return kNothing;
     }
-    if (letter < 'a') set.invert();
-    return set;
 }
 
 class LightCompiler {
@@ -45,8 +49,7 @@ public:
     LightCompiler(const ZelRegExpState& state, size_t room)
         : room_(room),
           nodes_(state.nodes()),
-          count_(state.nodeCount),
-          text_(reinterpret_cast<const char*>(nodes_ + count_)),
+          nodesEnd_(nodes_ + state.nodeCount),
           isMultiLine_((state.options & kOptionMultiLine) != 0),
           dotAll_((state.options & kOptionDotAll) != 0) {}
 
@@ -56,10 +59,12 @@ public:
         decide();
         return missPrice_ < kTooDear && choices_ <= LightProgram::kMaxChoices;
     }
+
     void write(char* to) const {
-        const int path = count_ + optionals_ * missPrice_;
+        const auto nodes = static_cast<int>(nodesEnd_ - nodes_);
         const LightProgram program = {LightProgram::kMark, static_cast<Zel8u>(setCount_),
-                                      static_cast<Zel8u>(missPrice_), static_cast<Zel16u>(path)};
+                                      static_cast<Zel8u>(missPrice_),
+                                      static_cast<Zel16u>(nodes + optionals_ * missPrice_)};
         const size_t sets = static_cast<size_t>(setCount_) * sizeof(AsciiSet);
         memcpy(to, &program, sizeof program);
         memcpy(to + sizeof program, sets_, sets);
@@ -73,30 +78,44 @@ private:
     static constexpr int kMaxNodes = 255;
     static constexpr int kTooDear = 256;
 
-    /// What the program can begin with from an operation on.
-    struct Beginning {
-        AsciiSet set;
-        bool mayBeNothing;  // it may match without a character, at least at the end of the text
-        bool cannotFail;
-        int price;  // steps at most, to find out that it does not begin
+    /// A character with its quantifier. `set` is its number in the program.
+    struct Atom {
+        int set;
+        int min;
+        int max;
+        bool isLazy;
+        const Node* behind;
     };
 
     struct OpenGroup {
-        int close;     // its closing node
+        const Node* close;
         int optional;  // its operation kLightOptional, -1 for none
         int slot;      // its capture, 0 for none
     };
 
-    const Node* quantifier(int index) const {
-        return index < count_ && isQuantifier(nodes_[index]) ? &nodes_[index] : nullptr;
+    /// What the program can begin with from an operation on.
+    struct Beginning {
+        AsciiSet set;
+        int price;          // steps at most, to find out that it does not begin
+        bool mayBeNothing;  // it may match without a character, at least at the end of the text
+        bool cannotFail;
+    };
+
+    bool isQuantifierAt(const Node* node) const { return node != nodesEnd_ && isQuantifier(*node); }
+    static bool isAtom(const Node& node) {
+        return node.kind == NodeLetter || node.kind == NodeLetterRange ||
+               node.kind == NodeCharacterClass;
     }
 
-    LightOperation* emit(LightKind kind, int set = 0, int slot = 0) {
+    LightOperation& emit(LightKind kind, int set = 0, int slot = 0, int min = 0, int max = 0) {
         LightOperation& operation = operations_[operationCount_++];
-        operation = {
-            kind, static_cast<Zel8u>(set), LightOperation::kAnything, static_cast<Zel8u>(slot), 0,
-            0};
-        return &operation;
+        operation = {kind,
+                     static_cast<Zel8u>(set),
+                     LightOperation::kAnything,
+                     static_cast<Zel8u>(slot),
+                     static_cast<Zel16u>(min),
+                     static_cast<Zel16u>(max)};
+        return operation;
     }
 
     size_t size() const {
@@ -114,16 +133,19 @@ private:
         return setCount_++;
     }
 
+    // The first pass. The functions that translate nodes answer what is behind those, null when the
+    // walk has no operation for them.
+
     bool translate() {
-        if (quantifier(1) != nullptr || count_ > kMaxNodes) return false;
-        for (int i = 1; i < count_;) {
+        if (isQuantifierAt(nodes_ + 1) || nodesEnd_ - nodes_ > kMaxNodes) return false;
+        for (const Node* node = nodes_ + 1; node != nodesEnd_;) {
             if (operationCount_ + 3 > kMaxOperations) return false;
-            const int nodes = translateNode(i);
-            if (nodes == 0) return false;
-            i += nodes;
+            node = translateNode(node);
+            if (node == nullptr) return false;
         }
-        if (operationCount_ != 0 && operations_[operationCount_ - 1].kind == kLightEnd &&
-            lastTarget_ != operationCount_) {
+        // What a group that is passed over leads to is there, if it is only the match.
+        if (operationCount_ != 0 && lastTarget_ != operationCount_ &&
+            operations_[operationCount_ - 1].kind == kLightEnd) {
             operations_[operationCount_ - 1].kind = kLightEndMatch;
         } else {
             emit(kLightMatch);
@@ -131,67 +153,100 @@ private:
         return true;
     }
 
-    /// How many nodes became operations, 0 when there is none for this one.
-    int translateNode(int index) {
-        const Node& node = nodes_[index];
-        switch (node.kind) {
+    const Node* translateNode(const Node* node) {
+        switch (node->kind) {
             case NodeLetter:
+                if (isQuantifierAt(node + 1)) return translateAtom(node);
+                translateLetter(node->value & 0xFF);
+                return node + 1;
             case NodeLetterRange:
             case NodeCharacterClass:
-                return translateAtom(index, 0);
-            case NodeString: {
-                LightOperation& operation = *emit(kLightText);
-                const ptrdiff_t offset = static_cast<const char*>(node.data) - text_;
-                if (offset > 0xFFFF || node.count > 0xFFFF) return 0;
-                operation.min = static_cast<Zel16u>(offset);
-                operation.max = static_cast<Zel16u>(node.count);
-                return 1;
-            }
+                return translateAtom(node);
+            case NodeString:
+                return translateText(node);
             case NodePosition:
-                return translatePosition(index);
+                return translatePosition(node);
             case NodeGroupingCapture:
             case NodeGroupingNoCapture:
-                return openGroup(index);
+                return openGroup(node);
             case NodeGroupingClose:
-                return closeGroup(index);
+                return closeGroup(node);
             default:
-                return 0;
+                return nullptr;
         }
     }
 
-    int translatePosition(int index) {
-        if (quantifier(index + 1) != nullptr) return 0;
-        switch (nodes_[index].value) {
+    /// A letter right behind a run that cannot hold it goes with the run.
+    void translateLetter(int letter) {
+        LightOperation* const last = operations_ + operationCount_ - 1;
+        if (operationCount_ != 0 && lastTarget_ != operationCount_ && last->kind == kLightRun &&
+            letter < 0x80 && !sets_[last->set].has(static_cast<unsigned>(letter))) {
+            last->kind = kLightRunLetter;
+            last->rest = static_cast<Zel8u>(letter);
+            return;
+        }
+        emit(kLightLetter, letter);
+    }
+
+    const Node* translateText(const Node* node) {
+        const ptrdiff_t offset =
+            static_cast<const char*>(node->data) - reinterpret_cast<const char*>(nodesEnd_);
+        if (offset > 0xFFFF || node->count > 0xFFFF) return nullptr;
+        emit(kLightText, 0, 0, static_cast<int>(offset), node->count);
+        return node + 1;
+    }
+
+    const Node* translatePosition(const Node* node) {
+        if (isQuantifierAt(node + 1)) return nullptr;
+        switch (node->value) {
             case '$':
                 emit(isMultiLine_ ? kLightLineEnd : kLightEnd);
-                return 1;
+                return node + 1;
             case 'Z':
                 emit(kLightEnd);
-                return 1;
+                return node + 1;
             case 'z':
                 emit(kLightVeryEnd);
-                return 1;
+                return node + 1;
             case 'b':
                 emit(kLightBoundary);
-                return 1;
+                return node + 1;
             case 'B':
                 emit(kLightInside);
-                return 1;
+                return node + 1;
             default:
-                return 0;
+                return nullptr;
         }
     }
 
-    /// The set of a letter, shorthand or class.
-    bool readSet(int index, AsciiSet& set) const {
-        const Node& node = nodes_[index];
-        set = {};
-        if (node.kind != NodeCharacterClass) return addMember(node, set);
-        for (const Node* member = &node + 1; member <= &node + node.count; ++member) {
-            if (member->extra != 0 || !addMember(*member, set)) return false;
+    const Node* translateAtom(const Node* node) {
+        Atom atom;
+        if (!readAtom(node, atom)) return nullptr;
+        emitAtom(*node, atom, 0);
+        return atom.behind;
+    }
+
+    bool readAtom(const Node* node, Atom& atom) {
+        AsciiSet set = {};
+        const Node* behind = node + 1;
+        if (node->kind != NodeCharacterClass) {
+            addMember(*node, set);
+        } else {
+            for (const Node* const end = behind + node->count; behind != end; ++behind) {
+                if (behind->extra != 0 || !addMember(*behind, set)) return false;
+            }
+            if (node->value < 0) set.invert();
         }
-        if (node.value < 0) set.invert();
-        return true;
+        atom = {numberOf(set), 1, 1, false, behind};
+        if (isQuantifierAt(behind)) {
+            atom = {atom.set, behind->value, behind->count, behind->kind == NodeQuantifierMin,
+                    behind + 1};
+            if (atom.min < 0 || atom.max < atom.min || atom.min >= LightOperation::kNoLimit)
+                return false;
+            if (atom.max > LightOperation::kNoLimit) atom.max = LightOperation::kNoLimit;
+            if (atom.isLazy && mayMissWhatFollows(*node, atom.behind)) return false;
+        }
+        return atom.set >= 0;
     }
 
     bool addMember(const Node& node, AsciiSet& set) const {
@@ -210,176 +265,147 @@ private:
         }
     }
 
-    /// A character with its quantifier, all there is in the capture `slot` when that is not 0.
-    int translateAtom(int index, int slot) {
-        const Node& node = nodes_[index];
-        const int behind = index + 1 + (node.kind == NodeCharacterClass ? node.count : 0);
-        const Node* const repeat = quantifier(behind);
-        if (node.kind == NodeLetter && repeat == nullptr && slot == 0) {
-            emit(kLightLetter, node.value & 0xFF);
-            return 1;
-        }
-        AsciiSet members;
-        if (!readSet(index, members)) return 0;
-        const int set = numberOf(members);
-        if (set < 0) return 0;
-        if (repeat == nullptr && slot == 0) {
-            emit(kLightOne, set);
-            return behind - index;
-        }
-        const bool isLazy = repeat != nullptr && repeat->kind == NodeQuantifierMin;
-        const int min = repeat == nullptr ? 1 : repeat->value;
-        const int max = repeat == nullptr ? 1 : repeat->count;
-        if (min < 0 || max < min || min >= LightOperation::kNoLimit) return 0;
-        if (isLazy && mayMissWhatFollows(index, behind + 1)) return 0;
-        const LightKind lazy = node.kind == NodeCharacterClass ? kLightLazy : kLightRaising;
-        LightOperation& operation = *emit(isLazy ? lazy : kLightRun, set, slot);
-        operation.min = static_cast<Zel16u>(min);
-        operation.max =
-            max < LightOperation::kNoLimit ? static_cast<Zel16u>(max) : LightOperation::kNoLimit;
-        return behind + (repeat != nullptr) - index;
-    }
-
     /// Whether the lazy run of a character is not tried to be ended where it could be: it looks out
     /// for a letter behind it, even when that may be missing.
-    bool mayMissWhatFollows(int index, int next) const {
-        return nodes_[index].kind != NodeCharacterClass && next < count_ &&
-               nodes_[next].kind == NodeLetter && quantifier(next + 1) != nullptr &&
-               nodes_[next + 1].value == 0;
+    bool mayMissWhatFollows(const Node& node, const Node* next) const {
+        return node.kind != NodeCharacterClass && next != nodesEnd_ && next->kind == NodeLetter &&
+               isQuantifierAt(next + 1) && next[1].value == 0;
     }
 
-    /// Whether the group's body is one character with or without a quantifier.
-    bool holdsOneAtom(int open) const {
-        const Node& node = nodes_[open + 1];
-        const int close = open + 1 + nodes_[open].count;
-        if (node.kind != NodeLetter && node.kind != NodeLetterRange &&
-            node.kind != NodeCharacterClass)
-            return false;
-        const int behind = open + 2 + (node.kind == NodeCharacterClass ? node.count : 0);
-        return behind == close || (behind + 1 == close && quantifier(behind) != nullptr);
+    /// `slot`, when it is not 0, is the capture that the atom is all there is in.
+    void emitAtom(const Node& node, const Atom& atom, int slot) {
+        const bool isOne = atom.min == 1 && atom.max == 1 && slot == 0;
+        const LightKind lazy = node.kind == NodeCharacterClass ? kLightLazy : kLightRaising;
+        const LightKind kind = atom.isLazy ? lazy : isOne ? kLightOne : kLightRun;
+        emit(kind, atom.set, slot, atom.min, atom.max);
     }
 
-    int openGroup(int index) {
-        const Node& node = nodes_[index];
-        const int close = index + 1 + node.count;
-        const Node* const repeat = quantifier(close + 1);
-        const int slot = node.kind == NodeGroupingCapture ? node.extra : 0;
-        if (slot > 0xFF || depth_ == kMaxDepth) return 0;
+    const Node* openGroup(const Node* node) {
+        const Node* const close = node + 1 + node->count;
+        const int slot = node->kind == NodeGroupingCapture ? node->extra : 0;
+        if (slot > 0xFF || depth_ == kMaxDepth) return nullptr;
         OpenGroup& group = groups_[depth_++];
         group = {close, -1, slot};
-        if (repeat != nullptr) {
-            if (repeat->kind != NodeQuantifierMax || repeat->count != 1) return 0;
-            if (repeat->value == 0) {
+        if (isQuantifierAt(close + 1)) {
+            const Node& repeat = close[1];
+            if (repeat.kind != NodeQuantifierMax || repeat.count != 1) return nullptr;
+            if (repeat.value == 0) {
                 group.optional = operationCount_;
                 ++optionals_;
-                if (!noteCaptures(index, close, *emit(kLightOptional))) return 0;
+                if (!noteCaptures(node, close, emit(kLightOptional))) return nullptr;
             }
         }
-        if (slot == 0) return 1;
-        if (holdsOneAtom(index)) {
-            group.slot = 0;  // the run takes care of it
-            const int nodes = translateAtom(index + 1, slot);
-            return nodes == 0 ? 0 : 1 + nodes;
+        if (slot != 0 && isAtom(node[1])) {
+            Atom atom;
+            if (!readAtom(node + 1, atom)) return nullptr;
+            if (atom.behind == close) {
+                group.slot = 0;  // the run takes care of it
+                emitAtom(node[1], atom, slot);
+                return close;
+            }
         }
-        emit(kLightOpen, 0, slot);
-        return 1;
+        if (slot != 0) emit(kLightOpen, 0, slot);
+        return node + 1;
     }
 
     /// Which captures are unset when the group is passed over: their numbers follow each other.
-    bool noteCaptures(int open, int close, LightOperation& operation) const {
+    static bool noteCaptures(const Node* open, const Node* close, LightOperation& operation) {
         int captures = 0;
-        for (int i = open; i < close; ++i) {
-            if (nodes_[i].kind != NodeGroupingCapture) continue;
-            if (nodes_[i].extra > 0xFF) return false;
-            if (captures++ == 0) operation.slot = static_cast<Zel8u>(nodes_[i].extra);
+        for (const Node* node = open; node != close; ++node) {
+            if (node->kind != NodeGroupingCapture) continue;
+            if (node->extra > 0xFF) return false;
+            if (captures++ == 0) operation.slot = static_cast<Zel8u>(node->extra);
         }
         operation.set = static_cast<Zel8u>(captures);
         return true;
     }
 
-    int closeGroup(int index) {
-        if (depth_ == 0 || groups_[depth_ - 1].close != index) return 0;
+    const Node* closeGroup(const Node* node) {
+        if (depth_ == 0 || groups_[depth_ - 1].close != node) return nullptr;
         const OpenGroup& group = groups_[--depth_];
         if (group.slot != 0) emit(kLightClose, 0, group.slot);
         if (group.optional >= 0) {
             operations_[group.optional].min = static_cast<Zel16u>(operationCount_);
             lastTarget_ = operationCount_;
         }
-        return quantifier(index + 1) != nullptr ? 2 : 1;
+        return isQuantifierAt(node + 1) ? node + 2 : node + 1;
     }
 
     // The second pass.
 
     void decide() {
-        Beginning beginnings[kMaxOperations + 1];
+        Beginning beginnings[kMaxOperations];
         for (int i = operationCount_ - 1; i >= 0; --i) {
-            Beginning& here = beginnings[i];
-            const Beginning& next = beginnings[i + 1];
+            const Beginning* const next = &beginnings[i + 1];
             LightOperation& operation = operations_[i];
+            Beginning& here = beginnings[i];
             switch (operation.kind) {
                 case kLightLetter:
-                    here = {};
-                    if (operation.set < 0x80) here.set.add(operation.set);
-                    here.price = 1;
+                    here = beginningWith(operation.set);
                     break;
-                case kLightText: {
-                    const auto first = static_cast<Zel8u>(text_[operation.min]);
-                    here = {};
-                    if (first < 0x80) here.set.add(first);
-                    here.price = 1;
+                case kLightText:
+                    here = beginningWith(reinterpret_cast<const Zel8u*>(nodesEnd_)[operation.min]);
                     break;
-                }
                 case kLightOne:
-                    here = {sets_[operation.set], false, false, 1};
+                    here = {sets_[operation.set], 1, false, false};
+                    break;
+                case kLightRunLetter:
+                    beginRun(operation, beginningWith(operation.rest), here);
                     break;
                 case kLightRun:
                 case kLightLazy:
                 case kLightRaising:
-                    decideRun(operation, next, here);
+                    beginRun(operation, *next, here);
+                    decideRun(operation, *next);
                     break;
                 case kLightOptional:
-                    decideOptional(operation, next, beginnings[operation.min], here);
+                    decideOptional(operation, *next, beginnings[operation.min], here);
                     break;
                 case kLightEnd:
                 case kLightEndMatch:
                 case kLightLineEnd:
+                    here = {kAsciiNewLine, 1, true, false};
+                    break;
                 case kLightVeryEnd:
-                    here = {{}, true, false, 1};
-                    if (operation.kind != kLightVeryEnd) here.set.add('\n');
+                    here = {kNothing, 1, true, false};
                     break;
                 case kLightMatch:
-                    here = {everything(), true, true, 0};
+                    here = {kEverything, 0, true, true};
                     break;
                 case kLightBoundary:
                 case kLightInside:
-                    here = next;
-                    here.cannotFail = false;
-                    ++here.price;
+                    here = {next->set, next->price + 1, next->mayBeNothing, false};
                     break;
                 default:  // captures
-                    here = next;
+                    here = *next;
                     ++here.price;
             }
         }
     }
 
-    static AsciiSet everything() { return {{~uint64_t{0}, ~uint64_t{0}}}; }
+    static Beginning beginningWith(int letter) {
+        Beginning beginning = {kNothing, 1, false, false};
+        if (letter < 0x80) beginning.set.add(static_cast<unsigned>(letter));
+        return beginning;
+    }
 
-    void decideRun(LightOperation& operation, const Beginning& next, Beginning& here) {
-        const AsciiSet members = sets_[operation.set];
-        const bool isGreedy = operation.kind == kLightRun;
-        here = {members, false, false, operation.slot == 0 ? 1 : 3};
-        if (operation.min == 0) {
-            here.set.addAll(next.set);
-            here.mayBeNothing = next.mayBeNothing;
-            here.cannotFail = next.cannotFail;
-            here.price += next.price;
-        }
+    void beginRun(const LightOperation& operation, const Beginning& next, Beginning& here) {
         note(next.price + 1);
-        if (isGreedy &&
-            (operation.min == operation.max || next.cannotFail || disjoint(members, next.set)))
-            return;
-        if (isGreedy) operation.kind = kLightGiving;
+        here = {sets_[operation.set], operation.slot == 0 ? 1 : 3, false, false};
+        if (operation.min != 0) return;
+        here.set.addAll(next.set);
+        here.price += next.price;
+        here.mayBeNothing = next.mayBeNothing;
+        here.cannotFail = next.cannotFail;
+    }
+
+    void decideRun(LightOperation& operation, const Beginning& next) {
+        if (operation.kind == kLightRun) {
+            if (operation.min == operation.max || next.cannotFail ||
+                disjoint(sets_[operation.set], next.set))
+                return;
+            operation.kind = kLightGiving;
+        }
         ++choices_;
         operation.rest = beginningOf(next);
     }
@@ -401,7 +427,7 @@ private:
     /// The number of the set that something can begin with, when that is of any use and there is
     /// room for it.
     Zel8u beginningOf(const Beginning& beginning) {
-        if (beginning.set == everything() || size() + sizeof(AsciiSet) > room_)
+        if (beginning.set == kEverything || size() + sizeof(AsciiSet) > room_)
             return LightOperation::kAnything;
         const int number = numberOf(beginning.set);
         return number < 0 ? LightOperation::kAnything : static_cast<Zel8u>(number);
@@ -413,8 +439,7 @@ private:
 
     const size_t room_;
     const Node* const nodes_;
-    const int count_;
-    const char* const text_;
+    const Node* const nodesEnd_;
     const bool isMultiLine_;
     const bool dotAll_;
 

@@ -373,21 +373,49 @@ ZelStatus findAll(Search& search, const Zel8u* text, int numCaptures, bool whole
     return search.outOfBudget() ? zelStatusRegExpMatchLimitError : zelStatusOk;
 }
 
+/// A search as it was asked for, of a text that has been narrowed.
+struct Request {
+    WorkAreas work;
+    const Zel8u* text;
+    int length;
+    const ZelRegExpState& state;
+    ZelRegExpFind* results;
+    int* count;
+    bool wholeMatchToo;
+};
+
 /// The whole search, by the engine. Not inlined, because its frame is large.
-[[gnu::noinline]] ZelStatus searchThrough(const WorkAreas& work, const Zel8u* text, int length,
-                                          const ZelRegExpState& state, ZelRegExpFind* pResult,
-                                          int* pNumFind, bool wholeMatchToo) {
-    const int capacity = *pNumFind;
+[[gnu::noinline]] ZelStatus searchThrough(const Request& request) {
+    const int capacity = *request.count;
+    const ZelRegExpState& state = request.state;
     for (const Pay pay : {Pay::kUpperBound, Pay::kExactly}) {
-        Search search(work, text, length, state, pay);
-        *pNumFind = capacity;
+        Search search(request.work, request.text, request.length, state, pay);
+        *request.count = capacity;
         const ZelStatus status =
             (state.options & kOptionGlobal) != 0
-                ? findAll(search, text, state.groupCount, wholeMatchToo, pResult, pNumFind)
-                : findFirst(search, text, state.groupCount, pResult, pNumFind);
+                ? findAll(search, request.text, state.groupCount, request.wholeMatchToo,
+                          request.results, request.count)
+                : findFirst(search, request.text, state.groupCount, request.results, request.count);
         if (!search.endedTooEarly()) return status;
     }
     return zelStatusRegExpMatchLimitError;
+}
+
+/// Whether the light walk knows the outcome, which is then written.
+bool searchLightly(const Request& request) {
+    const LightProgram* const program = findLightProgram(request.state);
+    if (program == nullptr) return false;
+    const LightOutcome outcome =
+        walkLightly(*program, request.state, request.text, request.length, request.work.captures);
+    if (outcome == LightOutcome::kNotKnown) return false;
+    int count = 0;
+    if (outcome == LightOutcome::kMatched) {
+        count =
+            *request.count < request.state.groupCount ? *request.count : request.state.groupCount;
+        copyRecords(request.work.captures, count, request.results);
+    }
+    *request.count = count;
+    return true;
 }
 
 /// The checks, and the short ways to a result. Inlined, because on short texts a call counts.
@@ -404,22 +432,14 @@ ZelStatus findAll(Search& search, const Zel8u* text, int numCaptures, bool whole
         *pNumFind = 0;
         return zelStatusOk;
     }
-
-    const int length = narrowedLength(pSrc, srcLen, *pRegExpState);
-    if (const LightProgram* program = findLightProgram(*pRegExpState); program != nullptr) {
-        switch (walkLightly(*program, *pRegExpState, pSrc, length, work.captures)) {
-            case LightOutcome::kMatched:
-                if (*pNumFind > pRegExpState->groupCount) *pNumFind = pRegExpState->groupCount;
-                copyRecords(work.captures, *pNumFind, pResult);
-                return zelStatusOk;
-            case LightOutcome::kFailed:
-                *pNumFind = 0;
-                return zelStatusOk;
-            case LightOutcome::kNotKnown:
-                break;
-        }
-    }
-    return searchThrough(work, pSrc, length, *pRegExpState, pResult, pNumFind, wholeMatchToo != 0);
+    const Request request = {work,
+                             pSrc,
+                             narrowedLength(pSrc, srcLen, *pRegExpState),
+                             *pRegExpState,
+                             pResult,
+                             pNumFind,
+                             wholeMatchToo != 0};
+    return searchLightly(request) ? zelStatusOk : searchThrough(request);
 }
 
 }  // namespace

@@ -35,14 +35,16 @@ public:
     bool has(int set, int position) const {
         return (word(set, position) >> (position & 63) & 1) != 0;
     }
-    /// The first position from `position` on that is not a member's; the end of the text is none.
-    int endOfRun(int set, int position) const {
+    /// How many members stand in a row from `position` on; there is none at the end of the text.
+    int runLength(int set, int position) const {
         uint64_t others = ~word(set, position) >> (position & 63);
-        while (!kOneWord && others == 0) {
-            position = (position | 63) + 1;
-            others = ~word(set, position);
-        }
-        return position + __builtin_ctzll(others);
+        if (kOneWord || others != 0) return __builtin_ctzll(others);
+        int end = position;
+        do {
+            end = (end | 63) + 1;
+            others = ~word(set, end);
+        } while (others == 0);
+        return end + __builtin_ctzll(others) - position;
     }
     /// The first position of a member from `position` on, `limit` when there is none in front of
     /// it.
@@ -138,6 +140,14 @@ private:
         return position == length_ || (position + 1 == length_ && text_[position] == '\n');
     }
 
+    /// The length of a run, as long as it can be.
+    int takeRun(const LightOperation& operation, int start) {
+        const int length = members_.runLength(operation.set, start);
+        const int taken = length < operation.max ? length : operation.max;
+        capture(operation.slot, start, start + taken);
+        return taken;
+    }
+
     int takeLine(Place place);
     bool goBack(Choice& choice, Place& place);
     bool giveBack(Choice& choice, Place& place);
@@ -177,25 +187,32 @@ int LightWalk<kOneWord>::takeLine(Place place) {
                 if (!members_.has(operation.set, position)) return kFailed;
                 ++position;
                 break;
-            case kLightRun:
+            case kLightRun: {
+                const int length = takeRun(operation, position);
+                if (length < operation.min) return kFailed;
+                position += length;
+                break;
+            }
+            case kLightRunLetter: {
+                const int length = takeRun(operation, position);
+                if (length < operation.min) return kFailed;
+                position += length;
+                if (position == length_ || text_[position] != operation.rest) return kFailed;
+                ++position;
+                break;
+            }
             case kLightGiving: {
-                const int start = position;
-                const int low = start + operation.min;
-                const int most = start + operation.max;
-                const int end = members_.endOfRun(operation.set, start);
-                position = end < most ? end : most;
-                if (position < low) return kFailed;
-                capture(operation.slot, start, position);
-                if (operation.kind == kLightGiving && position > low)
-                    push(operation, position, start);
+                const int length = takeRun(operation, position);
+                if (length < operation.min) return kFailed;
+                if (length > operation.min) push(operation, position + length, position);
+                position += length;
                 break;
             }
             case kLightLazy:
             case kLightRaising: {
                 const int start = position;
-                const int end = members_.endOfRun(operation.set, start);
+                if (members_.runLength(operation.set, start) < operation.min) return kFailed;
                 position += operation.min;
-                if (end < position) return kFailed;
                 push(operation, position, start);
                 if (operation.rest != LightOperation::kAnything && position != length_ &&
                     !members_.has(operation.rest, position))
@@ -226,8 +243,15 @@ int LightWalk<kOneWord>::takeLine(Place place) {
                 return isEnd(position) ? position : kFailed;
             case kLightMatch:
                 return position;
-            default:
+            case kLightEnd:
+            case kLightVeryEnd:
+            case kLightLineEnd:
+            case kLightBoundary:
+            case kLightInside:
                 if (!holds(operation, position)) return kFailed;
+                break;
+            default:
+                __builtin_unreachable();
         }
     }
 }
@@ -297,12 +321,12 @@ bool LightWalk<kOneWord>::giveBack(Choice& choice, Place& place) {
 template <bool kOneWord>
 bool LightWalk<kOneWord>::stretch(Choice& choice, Place& place) {
     const LightOperation& operation = *choice.operation;
-    const int end = members_.endOfRun(operation.set, choice.start);
-    const int most = choice.start + operation.max;
-    const int last = end < most ? end : most;
+    const int length = members_.runLength(operation.set, choice.start);
+    const int most = length < operation.max ? length : operation.max;
+    const int last = choice.start + most;
     int position = choice.position + 1;
     if (position > last) {
-        if (operation.kind == kLightRaising) raised_ += last + (end > most) - choice.start;
+        if (operation.kind == kLightRaising) raised_ += length > most ? most + 1 : most;
         --top_;
         return false;
     }
@@ -323,23 +347,17 @@ const LightOperation* LightWalk<kOneWord>::passOver(const LightOperation& group)
 
 }  // namespace
 
-const LightProgram* findLightProgram(const ZelRegExpState& state) {
-    if (!mayHaveLightProgram(state)) return nullptr;
-    const auto* start = reinterpret_cast<const Zel8u*>(state.nodes() + state.nodeCount);
-    if (*start != 0) {
-        ptrdiff_t length = 0;
-        unsigned zeros = 0;
-        for (;; length += 16) {
-            const auto* at = reinterpret_cast<const __m128i*>(start + length);
-            const __m128i isZero = _mm_cmpeq_epi8(_mm_loadu_si128(at), _mm_setzero_si128());
-            zeros = static_cast<unsigned>(_mm_movemask_epi8(isZero));
-            if (zeros != 0) break;
-        }
-        length += __builtin_ctz(zeros);
-        start += (length + 7) / 8 * 8;
+const LightProgram* findLightProgramBehind(const Zel8u* text) {
+    ptrdiff_t length = 0;
+    unsigned zeros = 0;
+    for (;; length += 16) {
+        const auto* at = reinterpret_cast<const __m128i*>(text + length);
+        const __m128i isZero = _mm_cmpeq_epi8(_mm_loadu_si128(at), _mm_setzero_si128());
+        zeros = static_cast<unsigned>(_mm_movemask_epi8(isZero));
+        if (zeros != 0) break;
     }
-    const auto* program = reinterpret_cast<const LightProgram*>(start);
-    return program->mark == LightProgram::kMark ? program : nullptr;
+    length += __builtin_ctz(zeros);
+    return reinterpret_cast<const LightProgram*>(text + (length + 7) / 8 * 8);
 }
 
 LightOutcome walkLightly(const LightProgram& program, const ZelRegExpState& state,

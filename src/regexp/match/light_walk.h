@@ -16,8 +16,18 @@ namespace zel {
 
 enum class LightOutcome { kMatched, kFailed, kNotKnown };
 
+/// The program behind the text of literals, or what stands in its place.
+const LightProgram* findLightProgramBehind(const Zel8u* text);
+
 /// The pattern's light program; null when it has none.
-const LightProgram* findLightProgram(const ZelRegExpState& state);
+inline const LightProgram* findLightProgram(const ZelRegExpState& state) {
+    if (!mayHaveLightProgram(state)) return nullptr;
+    const Node* const end = state.nodes() + state.nodeCount;
+    const auto* text = reinterpret_cast<const Zel8u*>(end);
+    const LightProgram* program =
+        *text == 0 ? reinterpret_cast<const LightProgram*>(end) : findLightProgramBehind(text);
+    return program->mark == LightProgram::kMark ? program : nullptr;
+}
 
 /// Searches with a light program. On a match all capture records have been written. An outcome that
 /// is known is that of the whole search, within the budget.
