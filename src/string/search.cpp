@@ -29,12 +29,11 @@ template <From from, typename T>
 }
 
 template <From from, typename T>
-ZEL_INLINE ZelStatus findC(const T* src, int len, T val, int* index) {
+ZEL_INLINE ZelStatus findC(const T* src, int len, const T& val, int* index) {
     if (!isShortCall(Vec<T>::kLanes, len, src, index)) [[unlikely]]
         return findCOtherwise<from>(src, len, val, index);
-    *index = kNotFound;
-    const Mask<T> found = equalFirst(src, len, val);
-    if (found.any()) *index = Way<from>::nearest(found);
+    *index = notFound();
+    *index = Way<from>::nearestAmong(equalFirst(src, len, val), len);
     return zelStatusOk;
 }
 

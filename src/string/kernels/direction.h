@@ -63,7 +63,12 @@ struct Way {
     /// The same of the first n lanes, or kNotFound; without a branch.
     template <typename T>
     ZEL_INLINE static int nearestOf(Mask<T> mask, int n) {
-        return kIsUp ? mask.firstBelow(n) : (mask & Mask<T>::firstN(n)).lastOrNotFound();
+        return kIsUp ? mask.firstBelow(n) : nearestAmong(mask & Mask<T>::firstN(n), n);
+    }
+    /// The same where the mask has no other lanes.
+    template <typename T>
+    ZEL_INLINE static int nearestAmong(Mask<T> mask, int n) {
+        return kIsUp ? mask.firstBelow(n) : mask.lastOrNotFound();
     }
 };
 

@@ -16,7 +16,7 @@ template <From from = From::Start, typename T>
 ZEL_INLINE int findElement(const T* src, int len, T val) {
     if (len > Vec<T>::kLanes) [[unlikely]]
         return findElementLong<from>(src, len, val);
-    return Way<from>::nearestOf(equalFirst(src, len, val), len);
+    return Way<from>::nearestAmong(equalFirst(src, len, val), len);
 }
 
 }  // namespace zel::ZEL_ISA

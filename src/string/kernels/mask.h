@@ -1,8 +1,13 @@
 // Lane masks, on top of a model's bit operations lowBits, countTrailingZeros and
-// countLeadingZeros, of which the latter two answer 64 for no bits.
+// countLeadingZeros, of which the latter two answer 64 for no bits, and minusOne.
 #pragma once
 
 namespace zel::ZEL_ISA {
+
+/// kNotFound for functions that make it without a branch.
+ZEL_INLINE int notFound() {
+    return static_cast<int>(minusOne());
+}
 
 /// One bit per lane, kStep (1 or 2) bits apart; the bits between are zero.
 template <typename T>
@@ -22,9 +27,11 @@ struct Mask {
     /// Without a branch: the index, or kNotFound when there is none.
     ZEL_INLINE int firstBelow(int n) const {
         const int index = countTrailingZeros(bits) / kStep;
-        return index < n ? index : kNotFound;
+        return index < n ? index : notFound();
     }
-    ZEL_INLINE int lastOrNotFound() const { return (63 - countLeadingZeros(bits)) >> (kStep - 1); }
+    ZEL_INLINE int lastOrNotFound() const {
+        return (notFound() + 64 - countLeadingZeros(bits)) >> (kStep - 1);
+    }
     ZEL_INLINE int count() const { return __builtin_popcountll(bits); }
     ZEL_INLINE Mask withoutFirst() const { return {bits & (bits - 1)}; }
     ZEL_INLINE Mask without(int lane) const { return {bits & ~(uint64_t{1} << lane * kStep)}; }

@@ -10,6 +10,9 @@ ZEL_INLINE uint64_t lowBits(int n) {
 ZEL_INLINE int countTrailingZeros(uint64_t bits) {
     return bits == 0 ? 64 : __builtin_ctzll(bits);
 }
+ZEL_INLINE int64_t minusOne() {
+    return -1;
+}
 ZEL_INLINE int countLeadingZeros(uint64_t bits) {
     return bits == 0 ? 64 : __builtin_clzll(bits);
 }

@@ -13,6 +13,14 @@ ZEL_INLINE int countLeadingZeros(uint64_t bits) {
     return static_cast<int>(_lzcnt_u64(bits));
 }
 
+/// Minus one that the compiler does not know to be it: so it is made once, in four bytes of
+/// instructions, and kept in a register, instead of being written out in up to seven at each use.
+ZEL_INLINE int64_t minusOne() {
+    int64_t result;
+    asm("or $-1, %0" : "=a"(result));
+    return result;
+}
+
 /// The first n bytes at p, at most 16 of them; the others are zero.
 ZEL_INLINE __m128i loadUpTo16(const void* p, int n) {
     return _mm_maskz_loadu_epi8(static_cast<__mmask16>(lowBits(n)), p);
@@ -79,11 +87,9 @@ ZEL_INLINE uint64_t equalBits(Vec<T> a, Vec<T> b) {
 // its mask, nor that the registers are among the upper sixteen, which need no vzeroupper before the
 // return. Said in assembly, such a call is a cache line of instructions, checks included.
 
-/// As lowBits; minus one in four bytes of instructions instead of seven.
+/// As lowBits.
 ZEL_INLINE uint64_t lowBitsInShort(int n) {
-    uint64_t all;
-    asm("or $-1, %0" : "=r"(all)::"cc");
-    return _bzhi_u64(all, static_cast<unsigned>(n));
+    return _bzhi_u64(static_cast<uint64_t>(minusOne()), static_cast<unsigned>(n));
 }
 
 /// The first n elements at p, at most kLanes, that equal the value. No others are read.
