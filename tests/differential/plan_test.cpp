@@ -10,7 +10,7 @@
 
 #include "random.h"
 #include "regexp/match/one_way.h"
-#include "regexp/match/plain_literal.h"
+#include "regexp/match/plain_literals.h"
 #include "regexp/match/plan.h"
 #include "regexp_case.h"
 #include "report.h"
@@ -283,7 +283,8 @@ TEST(Plan, SearchesAgreeWithTheModelOnLongTexts) {
     });
 }
 
-// Nothing but a literal; the last ones begin inside of a character, or are more than that.
+// Nothing but a literal or several; the last ones begin inside of a character, or are more than
+// that, or too short to choose from.
 struct PlainLiteralCase {
     const char* pattern;
     const char* options;
@@ -291,28 +292,50 @@ struct PlainLiteralCase {
     bool isRead;
 };
 const PlainLiteralCase kPlainLiterals[] = {
-    {"signal", "", zel::kFormatBytes, true},   {"Signal", "i", zel::kFormatUtf8, true},
-    {"error", "i", zel::kFormatBytes, true},   {"b", "", zel::kFormatUtf8, true},
-    {"B", "i", zel::kFormatBytes, true},       {"xx", "", zel::kFormatBytes, true},
-    {"ERROR", "", zel::kFormatBytes, true},    {"\xC3\xA9t", "", zel::kFormatUtf8, true},
-    {"\xA9t", "", zel::kFormatBytes, true},    {"\xC3", "", zel::kFormatUtf8, true},
-    {"\xA9t", "", zel::kFormatUtf8, false},    {"(signal)", "", zel::kFormatBytes, false},
+    {"signal", "", zel::kFormatBytes, true},
+    {"Signal", "i", zel::kFormatUtf8, true},
+    {"error", "i", zel::kFormatBytes, true},
+    {"b", "", zel::kFormatUtf8, true},
+    {"B", "i", zel::kFormatBytes, true},
+    {"xx", "", zel::kFormatBytes, true},
+    {"ERROR", "", zel::kFormatBytes, true},
+    {"\xC3\xA9t", "", zel::kFormatUtf8, true},
+    {"\xA9t", "", zel::kFormatBytes, true},
+    {"\xC3", "", zel::kFormatUtf8, true},
+    {"error|signal", "", zel::kFormatBytes, true},
+    {"ERR|err|error|sig", "i", zel::kFormatUtf8, true},
+    {"xx|abb|xxx|bcc", "", zel::kFormatBytes, true},
+    {"er|ERROR|\xC3\xA9t", "", zel::kFormatUtf8, true},
+    {"\xA9t", "", zel::kFormatUtf8, false},
+    {"(signal)", "", zel::kFormatBytes, false},
     {"signals?", "", zel::kFormatUtf8, false},
+    {"error|", "", zel::kFormatBytes, false},
+    {"error|\xA9t", "", zel::kFormatUtf8, false},
+    {"|error", "", zel::kFormatBytes, false},
+    {"error|e", "", zel::kFormatBytes, false},
+    {"(error|signal)", "", zel::kFormatBytes, false},
+    {"error|(?i)er", "", zel::kFormatBytes, false},
+    {"aa|ab|ac|ad|ae|af|ag|ah|ai|aj|ak|al|am|an|ao|ap|aq|ar|as|at|au|av|aw|ax|ay|az|ba|bb|bc|bd|be|"
+     "bf",
+     "", zel::kFormatBytes, true},
+    {"aa|ab|ac|ad|ae|af|ag|ah|ai|aj|ak|al|am|an|ao|ap|aq|ar|as|at|au|av|aw|ax|ay|az|ba|bb|bc|bd|be|"
+     "bf|bg",
+     "", zel::kFormatBytes, false},
 };
 
-TEST(PlainLiteral, IsReadWhereThePatternIsNothingElse) {
+TEST(PlainLiterals, AreReadWhereThePatternIsNothingElse) {
     for (const PlainLiteralCase& plain : kPlainLiterals) {
         ZelRegExpState* state = nullptr;
         int offset = 0;
         ASSERT_EQ(zelsRegExpInitAlloc(plain.pattern, plain.options, &state, &offset), zelStatusOk);
         zelsRegExpSetFormat(plain.format, state);
-        zel::PlainLiteral literal;
-        EXPECT_EQ(literal.read(*state), plain.isRead) << plain.pattern;
+        zel::PlainLiterals literals;
+        EXPECT_EQ(literals.read(*state), plain.isRead) << plain.pattern;
         zelsRegExpFree(state);
     }
 }
 
-TEST(PlainLiteral, SearchesAgreeWithTheModel) {
+TEST(PlainLiterals, SearchesAgreeWithTheModel) {
     onDeepStack([] {
         for (const PlainLiteralCase& plain : kPlainLiterals) {
             compareOnTexts(plain.pattern, plain.options, kTexts);

@@ -1,6 +1,9 @@
 // The searches that look at neighbouring bytes, in every instance, against loops over elements.
 #include <random>
+#include <string>
+#include <vector>
 
+#include "regexp/match/plain_literals.h"
 #include "string/kernels/instances.h"
 #include "test_support.h"
 
@@ -286,5 +289,74 @@ TEST(RunKernels, CollectRuns) {
             ASSERT_EQ(resume,
                       expected.empty() ? 0 : expected.back().first + expected.back().second);
         });
+    });
+}
+
+// Literals of the texts' letters, so that they overlap and begin alike, and a long one now and
+// then.
+std::vector<std::string> someLiterals(std::mt19937& random) {
+    std::vector<std::string> literals(1 + random() % 2 * (random() % 12));
+    const unsigned shortest = literals.size() > 1 ? 2 : 1;
+    for (std::string& literal : literals) {
+        const size_t length = shortest + random() % (random() % 50 == 0 ? 150 : 5);
+        for (size_t i = 0; i < length; ++i)
+            literal.push_back(static_cast<char>((random() % 4 == 0 ? 'A' : 'a') + random() % 3));
+    }
+    return literals;
+}
+
+char folded(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 0x20) : c;
+}
+
+TEST(LiteralKernels, CollectLiterals) {
+    onManyTexts([](std::mt19937& random, const Zel8u* text, int length) {
+        const std::vector<std::string> literals = someLiterals(random);
+        const bool ignoreCase = random() % 2 != 0;
+        std::string pattern;
+        for (const std::string& literal : literals)
+            pattern += (pattern.empty() ? "" : "|") + literal;
+        ZelRegExpState* state = nullptr;
+        int offset = 0;
+        ASSERT_EQ(zelsRegExpInitAlloc(pattern.c_str(), ignoreCase ? "i" : "", &state, &offset),
+                  zelStatusOk);
+        zel::PlainLiterals plain;
+        ASSERT_TRUE(plain.read(*state)) << pattern;
+
+        const auto lengthAt = [&](int at) {
+            for (const std::string& literal : literals) {
+                const auto size = static_cast<int>(literal.size());
+                int i = 0;
+                while (i < size && at + i < length) {
+                    const char a = static_cast<char>(text[at + i]);
+                    const char b = literal[static_cast<size_t>(i)];
+                    if (ignoreCase ? folded(a) != folded(b) : a != b) break;
+                    ++i;
+                }
+                if (i == size) return size;
+            }
+            return 0;
+        };
+        const int capacity = 1 + static_cast<int>(random() % (random() % 2 != 0 ? 10 : 5000));
+        std::vector<std::pair<int, int>> expected;
+        for (int at = 0; at < length && static_cast<int>(expected.size()) < capacity;) {
+            const int size = lengthAt(at);
+            if (size > 0) expected.emplace_back(at, size);
+            at += size > 0 ? size : 1;
+        }
+        std::vector<ZelRegExpFind> found(static_cast<size_t>(capacity) + 1);
+        FOR_EACH_INSTANCE({
+            found.assign(found.size(), {nullptr, -7});
+            ASSERT_EQ((collectLiterals)(text, length, &plain.set(), found.data(), capacity),
+                      static_cast<int>(expected.size()));
+            for (size_t i = 0; i < expected.size(); ++i) {
+                ASSERT_EQ(found[i].pMatch - text, expected[i].first);
+                ASSERT_EQ(found[i].lenMatch, expected[i].second);
+            }
+            // What is not filled is not touched.
+            for (size_t i = expected.size(); i < found.size(); ++i)
+                ASSERT_EQ(found[i].lenMatch, -7);
+        });
+        zelsRegExpFree(state);
     });
 }

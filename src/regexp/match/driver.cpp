@@ -16,7 +16,7 @@
 #include "regexp/match/first_letter.h"
 #include "regexp/match/light_walk.h"
 #include "regexp/match/one_way.h"
-#include "regexp/match/plain_literal.h"
+#include "regexp/match/plain_literals.h"
 #include "regexp/match/plan.h"
 #include "regexp/match/predicates.h"
 #include "regexp/match/required.h"
@@ -192,12 +192,13 @@ private:
         return true;
     }
 
-    /// Of a pattern that is a literal.
+    /// Of a pattern that is a literal, or several to choose from.
     bool collectLiterals(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
         const ptrdiff_t length = context_.textEnd - start;
-        PlainLiteral literal;
-        if (context_.steps <= length || !literal.read(state_)) return false;
-        *written = literal.collect(start, context_.textEnd, results, capacity);
+        PlainLiterals literals;
+        if (!context_.stack.hasRoom(sizeof literals) || !literals.read(state_)) return false;
+        if (context_.steps / literals.price() <= length) return false;
+        *written = literals.collect(start, context_.textEnd, results, capacity);
         return true;
     }
 

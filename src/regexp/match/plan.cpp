@@ -164,16 +164,13 @@ bool Planner::planRun(const Lead& lead, Plan& plan) {
     return true;
 }
 
-/// The bit for an alternative in the tables. When there are more of them than bits, those with the
-/// same first letter share one: then they have little else that could be mixed up.
+/// The bit for an alternative in the tables.
 Zel8u Planner::prefixBucket(const Lead& lead, Plan& plan) const {
-    constexpr int kBuckets = 8;
     ++plan.alternatives;
     const bool isText = lead.index < count_ && nodes_[lead.index].kind == NodeString;
-    const Zel8u letter = isText ? *static_cast<const Zel8u*>(nodes_[lead.index].data) : Zel8u{0};
-    const Zel8u sharing = isText ? plan.prefix.tables[0][letter] : Zel8u{0};
-    if (sharing != 0) return static_cast<Zel8u>(sharing & -sharing);
-    return static_cast<Zel8u>(1u << (plan.prefixBuckets++ % kBuckets));
+    const int bit = isText ? plan.prefix.bitFor(*static_cast<const Zel8u*>(nodes_[lead.index].data))
+                           : plan.prefix.bitForAny();
+    return static_cast<Zel8u>(1u << bit);
 }
 
 /// Adds what the alternative at node `index` can begin with to a bucket.
@@ -223,7 +220,7 @@ bool Planner::addPrefixes(int from, int to, int serial, Zel32u flags, Plan& plan
 bool Planner::planPrefix(Zel32u flags, bool hasBars, Plan& plan) const {
     plan.prefix = {};
     plan.prefix.depth = kernels::PrefixTables::kMaxDepth;
-    plan.alternatives = plan.prefixBuckets = 0;
+    plan.alternatives = 0;
     bool known = false;
     const Lead lead = leadFrom(0, flags);
     const bool group = !hasBars && lead.index < count_ &&

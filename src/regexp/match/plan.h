@@ -52,8 +52,7 @@ struct Plan {
     int literalLength;
     bool ignoreCase;
     int alternatives;  // in `prefix`
-    int prefixBuckets;
-    Zel8u letter;  // what `literal` points to when it is a letter of the program
+    Zel8u letter;      // what `literal` points to when it is a letter of the program
     union {
         kernels::PrefixTables prefix;
         kernels::Shape shape;

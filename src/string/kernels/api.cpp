@@ -7,6 +7,7 @@
 #include "string/kernels/find_string.h"
 #include "string/kernels/gather.h"
 #include "string/kernels/instances.h"
+#include "string/kernels/literals.h"
 
 namespace zel::ZEL_ISA {
 
@@ -115,6 +116,11 @@ int collectRunsOf(const Zel8u* p, int len, const uint64_t* set, ZelRegExpFind* r
 
 bool maskAscii(const Zel8u* p, int len, const Zel8u* sets, int count, kernels::TextMasks* masks) {
     return maskAsciiSets(p, len, sets, count, *masks);
+}
+
+int collectLiterals(const Zel8u* p, int len, const kernels::LiteralSet* set, ZelRegExpFind* matches,
+                    int capacity) {
+    return collectOfSet(p, len, *set, matches, capacity);
 }
 
 int countUtf8Continuations(const Zel8u* p, int len) {

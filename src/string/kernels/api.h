@@ -44,7 +44,7 @@ int findBytesIgnoreCase(const Zel8u* p, int len, const Zel8u* needle, int needle
 struct Gathered {
     static constexpr int kGroup = 4;  // blocks of 64 positions
     static constexpr int kRoom = 3 * 64 * kGroup;
-    static constexpr int kSpare = 4;
+    static constexpr int kSpare = 16;
     static constexpr int kMostGroups = 32;
     int groups = 2;  // to search from the first place on, at most: for the caller to set
     int scanned;
@@ -88,7 +88,9 @@ void gatherShapes(const Zel8u* p, int len, const Shape* shape, Gathered* result)
 /// of the bytes.
 struct PrefixTables {
     static constexpr int kMaxDepth = 4;
+    static constexpr int kBits = 8;
     int depth;  // positions in use: 2 to 4
+    int bitsUsed;
     Zel8u tables[kMaxDepth][256];
     Zel8u low[kMaxDepth][16];
     Zel8u high[kMaxDepth][16];
@@ -98,9 +100,39 @@ struct PrefixTables {
         low[position][byte & 0x0F] |= bits;
         high[position][byte >> 4] |= bits;
     }
+    /// The number of the bit for one more literal. When there are more of them than bits, some
+    /// share one.
+    int bitForAny() { return bitsUsed++ % kBits; }
+    /// Those that begin with the same byte have little else that could be mixed up.
+    int bitFor(Zel8u first) {
+        const unsigned sharing = tables[0][first];
+        return sharing != 0 ? __builtin_ctz(sharing) : bitForAny();
+    }
 };
 /// Where depth bytes stand that one of the literals can begin with.
 void gatherPrefixes(const Zel8u* p, int len, const PrefixTables* prefix, Gathered* result);
+
+struct Literal {
+    const Zel8u* text;
+    int length;  // at least 1
+};
+/// Literals to choose from; where several match, the first of them does.
+struct LiteralSet {
+    static constexpr int kMax = 32;
+    int count;
+    bool ignoreCase;  // takes the letters A-Z and a-z for alike
+    Literal literals[kMax];
+    // For more than one literal, all of them at least prefix.depth long: the first four bytes of
+    // each as a number. A text may begin with it when the text's, with the bits of `ignored` set,
+    // are the same.
+    PrefixTables prefix;
+    Zel32u heads[kMax];
+    Zel32u ignored[kMax];
+};
+/// Writes the matches, from left to right and without overlaps, until there are `capacity` (at
+/// least 1) of them; answers how many.
+int collectLiterals(const Zel8u* p, int len, const LiteralSet* set, ZelRegExpFind* matches,
+                    int capacity);
 
 /// At least the sum of n * (n + 1) / 2 over the lengths n of the runs of a set's bytes, at most
 /// twice as much.
@@ -138,5 +170,5 @@ int countUtf8Continuations(const Zel8u* p, int len);
     X(findByteNotIn) X(findByteInRev) X(findByteNotInRev) X(findBytes) X(findBytesRev)            \
     X(findBytesIgnoreCase) X(countUtf8Continuations) X(gatherBytes) X(gatherBytesFolded)          \
     X(gatherBytesIn) X(gatherShapes) X(gatherPairsIn) X(gatherDoubled) X(gatherPrefixes) X(boundRuns)             \
-    X(collectRunsOf) X(maskAscii) X(copyBytes) X(zeroBytes)
+    X(collectRunsOf) X(collectLiterals) X(maskAscii) X(copyBytes) X(zeroBytes)
 // clang-format on

@@ -9,10 +9,6 @@
 
 namespace zel::ZEL_ISA {
 
-ZEL_INLINE bool isLatinLetter(Zel8u c) {
-    return static_cast<unsigned>((c | 0x20) - 'a') < 26;
-}
-
 /// One byte to look for, in either case.
 struct FoldedByte {
     static constexpr int kLanes = Vec<Zel8u>::kLanes;
@@ -24,7 +20,7 @@ struct FoldedByte {
         caseBit = Vec<Zel8u>::splat(bit);
         value = Vec<Zel8u>::splat(c | bit);
     }
-    ZEL_INLINE Hits<Zel8u> hits(Vec<Zel8u> v) const { return equal(v | caseBit, value); }
+    ZEL_INLINE Hits<Zel8u> hits(Vec<Zel8u> v) const { return equalWithBits(v, caseBit, value); }
     ZEL_INLINE Hits<Zel8u> hits(const Zel8u* p) const { return hits(Vec<Zel8u>::load(p)); }
     ZEL_INLINE Mask<Zel8u> maskFirst(const Zel8u* p, int n) const {
         return hits(Vec<Zel8u>::loadFirst(p, n)).mask();
@@ -62,10 +58,10 @@ struct FoldedPattern {
     FoldedByte second;
     FoldedByte third;
 
-    ZEL_INLINE FoldedPattern(const Zel8u* needle, int len)
-        : firstAt(rarest(needle, len, -1)),
-          secondAt(rarest(needle, len, firstAt)),
-          thirdAt(secondAt == len - 1 || firstAt == len - 1 ? 0 : len - 1),
+    ZEL_INLINE FoldedPattern(const Zel8u* needle, const RarePlaces& rare)
+        : firstAt(rare.first),
+          secondAt(rare.second),
+          thirdAt(rare.third),
           first(needle[firstAt]),
           second(needle[secondAt]),
           third(needle[thirdAt]) {}
@@ -79,27 +75,12 @@ struct FoldedPattern {
     ZEL_INLINE Mask<Zel8u> maskFirst(const Zel8u* p, int n) const {
         return first.maskFirst(p + firstAt, n) & second.maskFirst(p + secondAt, n);
     }
-
-private:
-    /// The place of the rarest byte among the first few, but for one place.
-    ZEL_INLINE static ptrdiff_t rarest(const Zel8u* needle, int len, ptrdiff_t butFor) {
-        constexpr int kFew = 16;
-        ptrdiff_t best = butFor == 0 ? 1 : 0;
-        const auto commonnessAt = [needle](ptrdiff_t at) {
-            const Zel8u byte = needle[at];
-            return commonness(isLatinLetter(byte) ? byte | 0x20u : byte);
-        };
-        for (ptrdiff_t at = best + 1; at < len && at < kFew; ++at) {
-            if (at != butFor && commonnessAt(at) < commonnessAt(best)) best = at;
-        }
-        return best;
-    }
 };
 
 [[gnu::noinline]] inline int findStringIgnoreCaseLong(const Zel8u* src, ptrdiff_t starts,
                                                       const Zel8u* needle, int len) {
     constexpr ptrdiff_t n = Vec<Zel8u>::kLanes;
-    const FoldedPattern pattern(needle, len);
+    const FoldedPattern pattern(needle, RarePlaces(needle, len));
     const Zel8u* const end = src + starts;
     const Zel8u* p = src;
     const auto firstIn = [&](const Zel8u* block, Hits<Zel8u> found) {
@@ -127,7 +108,7 @@ ZEL_INLINE int findStringIgnoreCase(const Zel8u* src, int len, const Zel8u* need
     const int starts = len - lenNeedle + 1;
     if (starts > Vec<Zel8u>::kLanes)
         return findStringIgnoreCaseLong(src, starts, needle, lenNeedle);
-    const FoldedPattern pattern(needle, lenNeedle);
+    const FoldedPattern pattern(needle, RarePlaces(needle, lenNeedle));
     const Mask<Zel8u> found = pattern.maskFirst(src, starts) & Mask<Zel8u>::firstN(starts);
     return firstFolded(src, found, needle, lenNeedle);
 }

@@ -21,6 +21,37 @@ namespace zel::ZEL_ISA {
 using GroupBits = uint64_t[kernels::Gathered::kGroup];
 constexpr int kGroupPositions = kMaskBits * kernels::Gathered::kGroup;
 
+/// Writes the places of bits, counted from `base`, and up to kernels::Gathered::kSpare more behind
+/// them that mean nothing; answers where they end. Mostly there are two or fewer: these are written
+/// without asking how many.
+ZEL_INLINE Zel16u* writePlaces(uint64_t bits, int base, Zel16u* out) {
+    Zel16u* const end = out + __builtin_popcountll(bits);
+#if defined(ZEL_ISA_AVX512)
+    constexpr int kAtOnce = kernels::Gathered::kSpare;
+    static_assert(kAtOnce == 16);
+    __m128i lanes[4];
+    splitIntoSixteens(compress(bits, laneNumbers()), lanes);
+    const __m256i from = _mm256_set1_epi16(static_cast<short>(base));
+    for (const __m128i& sixteen : lanes) {
+        storeWord(out, _mm256_add_epi16(_mm256_cvtepu8_epi16(sixteen), from));
+        out += kAtOnce;
+        if (out >= end) [[likely]]
+            break;
+    }
+#else
+    constexpr int kPair = 2;
+    do {
+        const int one = base + countTrailingZeros(bits);
+        bits &= bits - 1;
+        const int next = base + countTrailingZeros(bits);
+        bits &= bits - 1;
+        storeWord(out, static_cast<Zel32u>(one | next << 16));
+        out += kPair;
+    } while (out < end);
+#endif
+    return end;
+}
+
 /// Places from the first position of a range on. `bitsOf(position, bits)` sets a bit for each place
 /// among those from `position` on which are below `positions`, and says whether there are any.
 /// `len` is the length of the whole text, which is the answer to how far was searched when
@@ -43,21 +74,8 @@ ZEL_INLINE void gatherGroups(ptrdiff_t first, ptrdiff_t positions, int len, cons
             if (positions - at > room) stop = at + room;
         }
         int block = static_cast<int>(at - result->begin);
-        for (uint64_t left : bits) {
-            // Mostly there are two or fewer: these are written without asking how many.
-            constexpr int kPair = 2;
-            static_assert(kPair <= Gathered::kSpare);
-            Zel16u* const behind = out + __builtin_popcountll(left);
-            do {
-                const int one = block + countTrailingZeros(left);
-                left &= left - 1;
-                const int next = block + countTrailingZeros(left);
-                left &= left - 1;
-                const Zel32u pair = static_cast<Zel32u>(one | next << 16);
-                memcpy(out, &pair, sizeof pair);
-                out += kPair;
-            } while (out < behind);
-            out = behind;
+        for (const uint64_t left : bits) {
+            out = writePlaces(left, block, out);
             block += kMaskBits;
         }
     }
@@ -240,6 +258,7 @@ ZEL_INLINE void gatherDoubledIn(const Zel8u* p, int len, const uint64_t* set,
 /// that its low 6 bits allow, which are one instruction to look up.
 struct PrefixProbe {
     static constexpr int kLanes = 64;
+    static constexpr bool kIsQuick = true;
     static constexpr int kDepths = kernels::PrefixTables::kMaxDepth;
     __m512i low[kDepths];
     __m512i high[kDepths];
@@ -259,15 +278,15 @@ struct PrefixProbe {
         }
         isExact = _mm512_test_epi8_mask(wide, wide) == 0;
     }
-    /// Whether there may be starts among the 64 positions at p.
+    /// The positions of the 64 at p that may be starts, found quickly.
     template <int kDepth>
-    ZEL_INLINE bool mayHaveStarts(const Zel8u* p) const {
+    ZEL_INLINE uint64_t likelyStarts(const Zel8u* p) const {
         __m512i found = _mm512_permutexvar_epi8(Vec<Zel8u>::load(p).v, folded[0]);
         for (int i = 1; i < kDepth; ++i) {
             const __m512i next = _mm512_permutexvar_epi8(Vec<Zel8u>::load(p + i).v, folded[i]);
             found = _mm512_and_si512(found, next);
         }
-        return _mm512_test_epi8_mask(found, found) != 0;
+        return _mm512_test_epi8_mask(found, found);
     }
     /// The starts among the first n positions at p; exactly those, if the tables have nothing for
     /// bytes from 0x80 on.
@@ -290,6 +309,7 @@ struct PrefixProbe {
 /// The literals that a byte's halves allow.
 struct PrefixProbe {
     static constexpr int kLanes = 32;
+    static constexpr bool kIsQuick = false;
     static constexpr bool isExact = false;
     __m256i low[kernels::PrefixTables::kMaxDepth];
     __m256i high[kernels::PrefixTables::kMaxDepth];
@@ -305,8 +325,8 @@ struct PrefixProbe {
         }
     }
     template <int kDepth>
-    ZEL_INLINE bool mayHaveStarts(const Zel8u*) const {
-        return true;
+    ZEL_INLINE uint64_t likelyStarts(const Zel8u*) const {
+        return ~uint64_t{0};
     }
     template <int kDepth>
     ZEL_INLINE uint64_t starts(const Zel8u* p, int n) const {
@@ -329,11 +349,12 @@ struct PrefixProbe {
 
 struct PrefixProbe {
     static constexpr int kLanes = 1;
+    static constexpr bool kIsQuick = false;
     static constexpr bool isExact = false;
     explicit PrefixProbe(const kernels::PrefixTables&) {}
     template <int kDepth>
-    bool mayHaveStarts(const Zel8u*) const {
-        return true;
+    uint64_t likelyStarts(const Zel8u*) const {
+        return ~uint64_t{0};
     }
     template <int kDepth>
     uint64_t starts(const Zel8u*, int) const {
@@ -343,29 +364,48 @@ struct PrefixProbe {
 
 #endif
 
+/// The positions where the first kDepth bytes of one of the literals stand.
 template <int kDepth>
-ZEL_INLINE void gatherPrefixOfDepth(const Zel8u* p, int len, const kernels::PrefixTables& prefix,
-                                    kernels::Gathered* result) {
-    const PrefixProbe probe(prefix);
-    const auto isStart = [&](const Zel8u* at) {
-        unsigned found = prefix.tables[0][at[0]];
-        for (int i = 1; i < kDepth; ++i) found &= prefix.tables[i][at[i]];
+struct PrefixFilter {
+    const kernels::PrefixTables& prefix;
+    PrefixProbe probe;
+
+    ZEL_INLINE explicit PrefixFilter(const kernels::PrefixTables& thePrefix)
+        : prefix(thePrefix), probe(thePrefix) {}
+
+    ZEL_INLINE bool isStart(const Zel8u* p) const {
+        unsigned found = prefix.tables[0][p[0]];
+        for (int i = 1; i < kDepth; ++i) found &= prefix.tables[i][p[i]];
         return found != 0;
-    };
-    const auto bitsAt = [&](ptrdiff_t at, ptrdiff_t left) {
+    }
+    /// A bit for each of the 64 positions at p that may be one.
+    ZEL_INLINE uint64_t likelyStarts(const Zel8u* p) const {
+        return probe.template likelyStarts<kDepth>(p);
+    }
+    /// A bit for each of the 64, or the first `left`, that is one.
+    ZEL_INLINE uint64_t starts(const Zel8u* p, ptrdiff_t left) const {
         uint64_t bits = 0;
-        if (left >= kMaskBits && !probe.template mayHaveStarts<kDepth>(p + at)) return bits;
         for (int lane = 0; lane < kMaskBits && lane < left; lane += PrefixProbe::kLanes) {
             const ptrdiff_t rest = left - lane;
             const int n = rest < PrefixProbe::kLanes ? static_cast<int>(rest) : PrefixProbe::kLanes;
-            bits |= probe.template starts<kDepth>(p + at + lane, n) << lane;
+            bits |= probe.template starts<kDepth>(p + lane, n) << lane;
         }
         if (probe.isExact) return bits;
         uint64_t sure = bits;
         for (; bits != 0; bits &= bits - 1) {
-            if (!isStart(p + at + countTrailingZeros(bits))) sure &= ~(bits & -bits);
+            if (!isStart(p + countTrailingZeros(bits))) sure &= ~(bits & -bits);
         }
         return sure;
+    }
+};
+
+template <int kDepth>
+ZEL_INLINE void gatherPrefixOfDepth(const Zel8u* p, int len, const kernels::PrefixTables& prefix,
+                                    kernels::Gathered* result) {
+    const PrefixFilter<kDepth> filter(prefix);
+    const auto bitsAt = [&](ptrdiff_t at, ptrdiff_t left) {
+        if (left >= kMaskBits && filter.likelyStarts(p + at) == 0) return uint64_t{0};
+        return filter.starts(p + at, left);
     };
     gatherFrom(0, ptrdiff_t{len} - kDepth + 1, len, bitsAt, result);
 }

@@ -160,6 +160,12 @@ template <typename T>
 ZEL_INLINE Hits<T> equal(Vec<T> a, Vec<T> b) {
     return {_mm512_xor_si512(a.v, b.v)};
 }
+/// equal(a | bits, b) in one instruction.
+template <typename T>
+ZEL_INLINE Hits<T> equalWithBits(Vec<T> a, Vec<T> bits, Vec<T> b) {
+    constexpr int kAOrBXorC = 0x56;
+    return {_mm512_ternarylogic_epi64(a.v, bits.v, b.v, kAOrBXorC)};
+}
 /// hits & equal(a, b) in one instruction.
 template <typename T>
 ZEL_INLINE Hits<T> andEqual(Hits<T> hits, Vec<T> a, Vec<T> b) {
@@ -269,6 +275,13 @@ ZEL_INLINE Vec<T> compress(uint64_t mask, Vec<T> v) {
         return {_mm512_maskz_compress_epi8(mask, v.v)};
     else
         return {_mm512_maskz_compress_epi16(static_cast<__mmask32>(mask), v.v)};
+}
+/// The number of each lane of a vector of bytes.
+ZEL_INLINE Vec<Zel8u> laneNumbers() {
+    return {_mm512_set_epi8(63, 62, 61, 60, 59, 58, 57, 56, 55, 54, 53, 52, 51, 50, 49, 48, 47, 46,
+                            45, 44, 43, 42, 41, 40, 39, 38, 37, 36, 35, 34, 33, 32, 31, 30, 29, 28,
+                            27, 26, 25, 24, 23, 22, 21, 20, 19, 18, 17, 16, 15, 14, 13, 12, 11, 10,
+                            9, 8, 7, 6, 5, 4, 3, 2, 1, 0)};
 }
 /// p[i] in the lanes i of the mask, and only these are read; else v.
 template <typename T>

@@ -25,6 +25,10 @@ ZEL_INLINE Hits<T> equal(Vec<T> a, Vec<T> b) {
     return {equalLanes(a, b)};
 }
 template <typename T>
+ZEL_INLINE Hits<T> equalWithBits(Vec<T> a, Vec<T> bits, Vec<T> b) {
+    return equal(a | bits, b);
+}
+template <typename T>
 ZEL_INLINE Hits<T> andEqual(Hits<T> hits, Vec<T> a, Vec<T> b) {
     return hits & equal(a, b);
 }

@@ -82,12 +82,9 @@ ZEL_INLINE Words widenFirst(const T* p, int n) {
 template <typename T>
 ZEL_INLINE Vec<T> loadLast(const T* p, int n) {
     if constexpr (sizeof(T) == 1) {
-        const __m512i lane = _mm512_set_epi8(
-            63, 62, 61, 60, 59, 58, 57, 56, 55, 54, 53, 52, 51, 50, 49, 48, 47, 46, 45, 44, 43, 42,
-            41, 40, 39, 38, 37, 36, 35, 34, 33, 32, 31, 30, 29, 28, 27, 26, 25, 24, 23, 22, 21, 20,
-            19, 18, 17, 16, 15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0);
         // Lane numbers are modulo 64, so that the lanes in front wrap into the empty ones.
-        const __m512i from = _mm512_add_epi8(lane, _mm512_set1_epi8(static_cast<char>(n)));
+        const __m512i from =
+            _mm512_add_epi8(laneNumbers().v, _mm512_set1_epi8(static_cast<char>(n)));
         return {_mm512_permutexvar_epi8(from, Vec<T>::loadFirst(p, n).v)};
     } else {
         const __m512i lane =

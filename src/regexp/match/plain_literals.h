@@ -1,0 +1,37 @@
+// Patterns that are a literal and nothing else, or several to choose from: `error|warning`. Their
+// matches are the places of the literals, from left to right and without overlaps, which are
+// collected without the engine. An attempt costs at most one step for each literal and as many for
+// the bars between, and no text has more attempts than bytes and one.
+#pragma once
+
+#include "regexp/program.h"
+#include "string/kernels/api.h"
+
+namespace zel {
+
+class PlainLiterals {
+public:
+    /// Reads the pattern; false when it is of another kind, or when its places need not be places
+    /// where a character begins.
+    bool read(const ZelRegExpState& state);
+
+    /// What an attempt costs at most.
+    int price() const { return set_.count == 1 ? 1 : 2 * set_.count; }
+
+    const kernels::LiteralSet& set() const { return set_; }
+
+    /// Writes the matches in [start, end), in order, until there are `capacity` of them; answers
+    /// how many.
+    int collect(const Zel8u* start, const Zel8u* end, ZelRegExpFind* results, int capacity) const {
+        return kernels::collectLiterals(start, static_cast<int>(end - start), &set_, results,
+                                        capacity);
+    }
+
+private:
+    bool addLiteral(const Node& node, bool utf8);
+    bool makePrefixes();
+
+    kernels::LiteralSet set_;
+};
+
+}  // namespace zel

@@ -1,0 +1,186 @@
+// All matches of a literal, or of one of several literals, written down as the records of a search:
+// from left to right, without overlaps. A filter looks at many positions at a time, for the two
+// rarest bytes of the literal or for what the literals begin with; what it lets through is
+// compared.
+#pragma once
+
+#include "string/kernels/gather.h"
+
+namespace zel::ZEL_ISA {
+
+/// Blocks of positions looked at before the places in them are: so many that it does not count that
+/// the end of the loop over the places cannot be guessed.
+inline constexpr int kBatchBlocks = 32;
+
+/// Asks for the block one batch further on. The processor does so by itself only while it is not
+/// held up by wrong guesses. Behind the end of the text nothing comes of it.
+ZEL_INLINE void prefetchNextBatch(const Zel8u* block) {
+    __builtin_prefetch(block + kMaskBits * kBatchBlocks);
+}
+
+/// `gather(at, left, places)` writes at which of the `left` positions from `at` on a match may
+/// start, as writePlaces does; `lengthAt(p)` is the length of the match at p, or 0.
+template <typename Gather, typename LengthAt>
+ZEL_INLINE int collectMatches(const Zel8u* p, ptrdiff_t positions, const Gather& gather,
+                              const LengthAt& lengthAt, ZelRegExpFind* matches, int capacity) {
+    constexpr int kBatch = kMaskBits * kBatchBlocks;
+    Zel16u places[kBatch + kernels::Gathered::kSpare];
+    int count = 0;
+    const Zel8u* behind = p;  // the last match
+    for (ptrdiff_t from = 0; from < positions; from += kBatch) {
+        const ptrdiff_t left = positions - from < kBatch ? positions - from : kBatch;
+        const Zel16u* const end = gather(p + from, left, places);
+        for (const Zel16u* place = places; place < end; ++place) {
+            // Whether there is a match cannot be guessed either: a record is written in any case.
+            const Zel8u* const at = p + from + *place;
+            const int length = lengthAt(at);
+            const bool isMatch = length != 0 && at >= behind;
+            ZelRegExpFind refused;
+            *(isMatch ? &matches[count] : &refused) = {const_cast<Zel8u*>(at), length};
+            behind = isMatch ? at + length : behind;
+            count += isMatch;
+            if (count == capacity) return count;
+        }
+    }
+    return count;
+}
+
+/// Where two bytes of a literal, the rarest by the look of it, are right; a third one refines what
+/// these let through.
+template <typename Probe>
+struct Probes {
+    static constexpr int kBlocks = 4;
+    ptrdiff_t firstAt;
+    ptrdiff_t secondAt;
+    ptrdiff_t thirdAt;
+    Probe first;
+    Probe second;
+    Probe third;
+
+    template <typename MakeProbe>
+    ZEL_INLINE Probes(const Zel8u* literal, const RarePlaces& rare, const MakeProbe& probeOf)
+        : firstAt(rare.first),
+          secondAt(rare.second),
+          thirdAt(rare.third),
+          first(probeOf(literal[firstAt])),
+          second(probeOf(literal[secondAt])),
+          third(probeOf(literal[thirdAt])) {}
+
+    ZEL_INLINE bool mayHaveStarts(const Zel8u* p) const {
+        constexpr int kLanes = Probe::kLanes;
+        auto found = first.hits(p + firstAt) & second.hits(p + secondAt);
+        for (int at = kLanes; at < kMaskBits * kBlocks; at += kLanes)
+            found = found | (first.hits(p + at + firstAt) & second.hits(p + at + secondAt));
+        return found.any();
+    }
+    ZEL_INLINE uint64_t starts(const Zel8u* p, ptrdiff_t left) const {
+        const uint64_t bits =
+            memberBits(first, p + firstAt, left) & memberBits(second, p + secondAt, left);
+        return bits != 0 ? bits & memberBits(third, p + thirdAt, left) : 0;
+    }
+};
+
+template <typename MakeProbe, typename IsSame>
+ZEL_INLINE int collectWithProbes(const Zel8u* p, int len, const Zel8u* literal, int length,
+                                 const MakeProbe& probeOf, const IsSame& isSameAs,
+                                 ZelRegExpFind* matches, int capacity) {
+    const Probes<decltype(probeOf(*literal))> probes(literal, RarePlaces(literal, length), probeOf);
+    const auto gather = [&](const Zel8u* from, ptrdiff_t left, Zel16u* out) {
+        constexpr int kBlocks = decltype(probes)::kBlocks;
+        int at = 0;
+        for (; left - at >= kMaskBits * kBlocks; at += kMaskBits * kBlocks) {
+            for (int i = 0; i < kBlocks; ++i) prefetchNextBatch(from + at + kMaskBits * i);
+            if (!probes.mayHaveStarts(from + at)) [[likely]]
+                continue;
+            for (int i = 0; i < kBlocks; ++i) {
+                const int block = at + kMaskBits * i;
+                out = writePlaces(probes.starts(from + block, kMaskBits), block, out);
+            }
+        }
+        for (; at < left; at += kMaskBits)
+            out = writePlaces(probes.starts(from + at, left - at), at, out);
+        return out;
+    };
+    const auto lengthAt = [&](const Zel8u* at) {
+        return isSameAs(at, literal, length) ? length : 0;
+    };
+    return collectMatches(p, ptrdiff_t{len} - length + 1, gather, lengthAt, matches, capacity);
+}
+
+ZEL_INLINE int collectOneLiteral(const Zel8u* p, int len, const kernels::Literal& literal,
+                                 bool ignoreCase, ZelRegExpFind* matches, int capacity) {
+    if (ignoreCase)
+        return collectWithProbes(
+            p, len, literal.text, literal.length, [](Zel8u c) { return FoldedByte(c); },
+            [](const Zel8u* a, const Zel8u* b, int n) { return isSameFolded(a, b, n); }, matches,
+            capacity);
+    return collectWithProbes(
+        p, len, literal.text, literal.length, [](Zel8u c) { return EqualsAnyOf<Zel8u, 1>::of(&c); },
+        [](const Zel8u* a, const Zel8u* b, int n) { return isSame(a, b, n); }, matches, capacity);
+}
+
+/// The literals, one bit each, whose heads the text at p begins with.
+ZEL_INLINE Zel32u headsAt(const Zel8u* p, const Zel8u* end, const kernels::LiteralSet& set) {
+    constexpr int kHeadBytes = 4;
+    constexpr int kAtOnce = 4;
+    const bool isLast = end - p < kHeadBytes;
+    const __m128i bytes = loadUpTo16(p, isLast ? static_cast<int>(end - p) : kHeadBytes);
+    const __m128i text = _mm_shuffle_epi32(bytes, 0);
+    Zel32u which = 0;
+    for (int i = 0; i < set.count; i += kAtOnce) {
+        const __m128i heads = loadWord<__m128i>(set.heads + i);
+        const __m128i ignored = loadWord<__m128i>(set.ignored + i);
+        const __m128i same = _mm_cmpeq_epi32(_mm_or_si128(text, ignored), heads);
+        which |= static_cast<Zel32u>(_mm_movemask_ps(_mm_castsi128_ps(same))) << i;
+    }
+    return which & static_cast<Zel32u>(lowBits(set.count));
+}
+
+template <int kDepth>
+ZEL_INLINE int collectByPrefix(const Zel8u* p, int len, const kernels::LiteralSet& set,
+                               ZelRegExpFind* matches, int capacity) {
+    const PrefixFilter<kDepth> filter(set.prefix);
+    const Zel8u* const end = p + len;
+    const auto gather = [&](const Zel8u* from, ptrdiff_t left, Zel16u* out) {
+        // First the blocks that have any, which cannot be guessed, then the places in these.
+        uint64_t bits[kBatchBlocks];
+        int block[kBatchBlocks];
+        int count = 0;
+        for (int at = 0; at < left; at += kMaskBits) {
+            prefetchNextBatch(from + at);
+            const bool isWhole = left - at >= kMaskBits;
+            bits[count] = PrefixProbe::kIsQuick && isWhole ? filter.likelyStarts(from + at)
+                                                           : filter.starts(from + at, left - at);
+            block[count] = at;
+            count += bits[count] != 0;
+        }
+        for (int i = 0; i < count; ++i) out = writePlaces(bits[i], block[i], out);
+        return out;
+    };
+    const auto lengthAt = [&](const Zel8u* at) {
+        for (Zel32u which = headsAt(at, end, set); which != 0; which &= which - 1) {
+            const kernels::Literal& literal = set.literals[countTrailingZeros(which)];
+            if (end - at < literal.length) continue;
+            const bool same = set.ignoreCase ? isSameFolded(at, literal.text, literal.length)
+                                             : isSame(at, literal.text, literal.length);
+            // Mostly there is no other; whether this one is there cannot be guessed.
+            const bool isOnly = (which & (which - 1)) == 0;
+            if (isOnly) [[likely]]
+                return literal.length & -int{same};
+            if (same) return literal.length;
+        }
+        return 0;
+    };
+    return collectMatches(p, ptrdiff_t{len} - kDepth + 1, gather, lengthAt, matches, capacity);
+}
+
+ZEL_INLINE int collectOfSet(const Zel8u* p, int len, const kernels::LiteralSet& set,
+                            ZelRegExpFind* matches, int capacity) {
+    if (set.count == 1)
+        return collectOneLiteral(p, len, set.literals[0], set.ignoreCase, matches, capacity);
+    if (set.prefix.depth == 4) return collectByPrefix<4>(p, len, set, matches, capacity);
+    if (set.prefix.depth == 3) return collectByPrefix<3>(p, len, set, matches, capacity);
+    return collectByPrefix<2>(p, len, set, matches, capacity);
+}
+
+}  // namespace zel::ZEL_ISA
