@@ -6,7 +6,8 @@
 // high byte of its unit, at its own place, from itself and the two bytes behind it; of a pair of
 // surrogates the second is made at the second byte. Two compressions then close the gaps. A
 // character belongs to the block in which it begins; its bytes in the next block are checked there
-// against what this one says, and skipped.
+// against what this one says, and skipped, but for a second byte that is owed a unit. A block whose
+// longest sequences have two bytes, or three, takes a shorter way.
 //
 // AVX2 does the same with 32 bytes, sequences of up to three, and a shuffle for every eight bytes
 // in place of the compressions. SSE2 widens ASCII.
@@ -22,19 +23,19 @@ using To16 = Cursor<Zel8u, Zel16u>;
 
 /// 64 bytes of text, and those that are one to three bytes further on.
 struct Utf8Block {
-    __m512i byte[4];
+    const Zel8u* p;
 
-    ZEL_INLINE static Utf8Block load(const Zel8u* p) {
-        return {{_mm512_loadu_si512(p), _mm512_loadu_si512(p + 1), _mm512_loadu_si512(p + 2),
-                 _mm512_loadu_si512(p + 3)}};
-    }
-    /// Of n bytes all that is there; zeros behind.
-    ZEL_INLINE static Utf8Block loadFirst(const Zel8u* p, long n) {
-        const auto part = [p, n](int at) {
-            const long rest = n - at < 64 ? n - at : 64;
-            return _mm512_maskz_loadu_epi8(lowBits(rest > 0 ? static_cast<int>(rest) : 0), p + at);
-        };
-        return {{part(0), part(1), part(2), part(3)}};
+    ZEL_INLINE __m512i from(int at) const { return _mm512_loadu_si512(p + at); }
+};
+
+/// The same at the end of a text, of which n bytes are left; zeros behind.
+struct LastUtf8Block {
+    const Zel8u* p;
+    long n;
+
+    ZEL_INLINE __m512i from(int at) const {
+        const long rest = n - at < 64 ? n - at : 64;
+        return Vec<Zel8u>::loadFirst(p + at, rest > 0 ? static_cast<int>(rest) : 0).v;
     }
 };
 
@@ -46,7 +47,8 @@ public:
     ZEL_INLINE To16 run() {
         int asciiBlocks = 0;
         while (at_.readable() >= kWhole && at_.room >= 64) {
-            const __m512i bytes = _mm512_loadu_si512(at_.src);
+            const Utf8Block block = {at_.src};
+            const __m512i bytes = block.from(0);
             if (_mm512_movepi8_mask(bytes) == 0) {
                 widen(bytes);
                 if (++asciiBlocks >= kAsciiBeforeStream && at_.remaining >= kWorthStreaming) {
@@ -54,17 +56,18 @@ public:
                     asciiBlocks = 0;
                 }
             } else {
-                if (!convert(Utf8Block::load(at_.src), 64)) return end();
+                if (!convert(block, 64)) return end();
                 asciiBlocks = 0;
             }
         }
         while (at_.remaining > 0 && at_.room > 0) {
             const long available = at_.readable();
             const int n = static_cast<int>(available < 64 ? available : 64);
-            const __m512i bytes = Vec<Zel8u>::loadFirst(at_.src, n).v;
+            const LastUtf8Block block = {at_.src, available};
+            const __m512i bytes = block.from(0);
             if (_mm512_movepi8_mask(bytes) == 0) {
                 widenFirst(bytes, static_cast<int>(at_.room < n ? at_.room : n));
-            } else if (!convert(Utf8Block::loadFirst(at_.src, available), n)) {
+            } else if (!convert(block, n)) {
                 break;
             }
         }
@@ -79,9 +82,13 @@ private:
     static constexpr long kWorthStreaming = 16 << 20;
     static constexpr int kAsciiBeforeStream = 64;
 
-    /// Passes over what the last character has taken of the next block.
+    /// Passes over what the last character has taken of the next block, or takes back the first
+    /// half of its pair.
     ZEL_INLINE To16 end() {
-        at_.advance(__builtin_popcountll(owed_), 0);
+        if (pairOwed_ != 0)
+            at_.advance(-1, -1);
+        else
+            at_.advance(__builtin_popcountll(owed_), 0);
         return at_;
     }
 
@@ -122,67 +129,95 @@ private:
         at_.advance(n, n);
     }
 
-    /// Converts the characters that begin in the first n bytes, at most 64, if they are ordinary
-    /// and fit.
-    ZEL_INLINE bool convert(const Utf8Block& block, int n) {
-        const __m512i v0 = block.byte[0], v1 = block.byte[1], v2 = block.byte[2];
+    /// What is known of the bytes of a block that was looked at: which of them are 0x80 or more,
+    /// which begin a sequence and which of two, three or four bytes.
+    struct Leads {
+        uint64_t high, any, three;
+    };
+
+    /// Converts the first n bytes, at most 64, if the characters that begin there are ordinary and
+    /// fit.
+    template <typename Block>
+    ZEL_INLINE bool convert(const Block& block, int n) {
+        const __m512i v0 = block.from(0);
         const uint64_t high = _mm512_movepi8_mask(v0);
         const uint64_t continuation = continuationsOf(v0);
-        const uint64_t notContinuation = ~continuation & lowBits(n);
-        uint64_t lead = high & ~continuation;
-        const uint64_t lead3 = _mm512_cmpge_epu8_mask(v0, _mm512_set1_epi8(kLead3));
-        uint64_t lead4 = _mm512_cmpge_epu8_mask(v0, _mm512_set1_epi8(kLead4));
-        uint64_t begins = notContinuation;
-        const uint64_t bad =
-            _mm512_mask_cmplt_epu8_mask(lead, v1, _mm512_permutexvar_epi8(v0, leastSecond()));
-        if (lead4 >> 63 != 0) {
-            // Its pair would not end in this block: it begins the next one.
-            --n;
-            lead ^= kLast;
-            lead4 ^= kLast;
-            begins ^= kLast;
-        }
-        const uint64_t expected = lead << 1 | (lead3 & lead) << 2 | lead4 << 3 | owed_;
-        const uint64_t owed = lead >> 63 | (lead3 & lead) >> 62 | lead4 >> 61;
-        const uint64_t next = continuationsOf(block.byte[3]) >> 61;
-        if (((expected ^ continuation) | bad | (owed & ~next)) != 0) return false;
+        const uint64_t three = inGeneralRegister(_mm512_cmpge_epu8_mask(v0, splatByte<0xE0>()));
+        const Leads lead = {high, high & ~continuation, three};
+        const uint64_t begins = ~continuation & lowBits(n);
+        if ((three | pairOwed_) == 0) return convertTwos(block, n, lead, begins);
+        const uint64_t four = inGeneralRegister(_mm512_cmpge_epu8_mask(v0, splatByte<0xF0>()));
+        if ((four | pairOwed_) == 0) return convertLong<false>(block, n, lead, 0, begins);
+        return convertLong<true>(block, n, lead, four, begins);
+    }
 
-        const uint64_t secondOfPair = lead4 << 1;
-        const uint64_t units = begins | secondOfPair;
-        const int count = __builtin_popcountll(units);
-        if (count > at_.room) return false;
+    /// A block of ASCII and sequences of two.
+    template <typename Block>
+    ZEL_INLINE bool convertTwos(const Block& block, int n, const Leads& lead, uint64_t begins) {
+        const __m512i v0 = block.from(0), v1 = block.from(1);
+        const __m512i pairOfLeads = _mm512_and_si512(v0, splatByte<0xFE>());
+        const uint64_t overlong = _mm512_cmpeq_epi8_mask(pairOfLeads, splatByte<0xC0>());
+        const uint64_t owed = lead.any >> 63;
+        const uint64_t next = continuationsOf(v1) >> 63;
+        const uint64_t wrong = (lead.any << 1 | owed_) ^ (lead.high ^ lead.any);
+        if ((wrong | overlong | (owed & ~next)) != 0) return false;
 
-        // The last two bytes of a sequence of two or three, or of the second unit of a pair.
-        const uint64_t three = lead3 | secondOfPair;
-        const __m512i secondLast = _mm512_mask_mov_epi8(v0, three, v1);
-        const __m512i last = _mm512_mask_mov_epi8(v1, three, v2);
-        const __m512i lowNibble = _mm512_set1_epi8(0x0F);
-        const __m512i down2 = _mm512_srli_epi16(secondLast, 2);
-        __m512i low = choose(_mm512_set1_epi8(0x3F), last, _mm512_slli_epi16(secondLast, 6));
-        low = _mm512_mask_mov_epi8(v0, high, low);
-        __m512i top = _mm512_maskz_mov_epi8(lead3, _mm512_slli_epi16(v0, 4));
-        top = _mm512_maskz_mov_epi8(high, choose(lowNibble, down2, top));
-        if (lead4 != 0) {
-            // The first unit is 0xD7C0 + the value's bits from the tenth on.
-            const __m512i bits =
-                choose(_mm512_set1_epi8(~3), _mm512_slli_epi16(v1, 2), _mm512_srli_epi16(v2, 4));
-            const __m512i sum = _mm512_sub_epi8(bits, _mm512_set1_epi8(0x40));
-            const uint64_t carry = _mm512_cmpge_epu8_mask(bits, _mm512_set1_epi8(0x40));
-            const __m512i first = _mm512_sub_epi8(v0, _mm512_set1_epi8(0xF0 - 0xD7));
-            const __m512i one = _mm512_set1_epi8(1);
-            const __m512i second = choose(_mm512_set1_epi8(3), down2, _mm512_set1_epi8(kLowTop));
-            low = _mm512_mask_mov_epi8(low, lead4, sum);
-            top = _mm512_mask_mov_epi8(top, lead4, _mm512_mask_add_epi8(first, carry, first, one));
-            top = _mm512_mask_mov_epi8(top, secondOfPair, second);
-        }
-        store(units, low, top, count);
+        const __m512i low = choose(splatByte<0x3F>(), v1, _mm512_slli_epi16(v0, 6));
+        const __m512i top = _mm512_and_si512(_mm512_srli_epi16(v0, 2), splatByte<0x07>());
+        if (!store(begins, _mm512_mask_mov_epi8(v0, lead.high, low),
+                   _mm512_maskz_mov_epi8(lead.high, top), n))
+            return false;
         owed_ = owed;
-        at_.advance(n, count);
         return true;
     }
 
-    /// Stores the units whose bits are set, `count` of them.
-    ZEL_INLINE void store(uint64_t units, __m512i low, __m512i top, int count) {
+    /// A block with longer sequences; of four only if it says so.
+    template <bool hasPairs, typename Block>
+    ZEL_INLINE bool convertLong(const Block& block, int n, const Leads& lead, uint64_t four,
+                                uint64_t begins) {
+        const __m512i v0 = block.from(0), v1 = block.from(1), v2 = block.from(2);
+        const uint64_t bad =
+            _mm512_mask_cmplt_epu8_mask(lead.any, v1, _mm512_permutexvar_epi8(v0, leastSecond()));
+        const uint64_t expected = lead.any << 1 | lead.three << 2 | four << 3 | owed_;
+        const uint64_t owed = lead.any >> 63 | lead.three >> 62 | four >> 61;
+        const uint64_t next = continuationsOf(block.from(3)) >> 61;
+        const uint64_t wrong = expected ^ (lead.high ^ lead.any);
+        if ((wrong | bad | (owed & ~next)) != 0) return false;
+
+        // The last two bytes of a sequence of two or three, or of the second unit of a pair.
+        const uint64_t secondOfPair = hasPairs ? four << 1 | pairOwed_ : 0;
+        const uint64_t three = lead.three | secondOfPair;
+        const __m512i secondLast = _mm512_mask_mov_epi8(v0, three, v1);
+        const __m512i last = _mm512_mask_mov_epi8(v1, three, v2);
+        const __m512i lowNibble = splatByte<0x0F>();
+        const __m512i down2 = _mm512_srli_epi16(secondLast, 2);
+        __m512i low = choose(splatByte<0x3F>(), last, _mm512_slli_epi16(secondLast, 6));
+        low = _mm512_mask_mov_epi8(v0, lead.high, low);
+        __m512i top = _mm512_maskz_mov_epi8(lead.three, _mm512_slli_epi16(v0, 4));
+        top = _mm512_maskz_mov_epi8(lead.high, choose(lowNibble, down2, top));
+        if constexpr (hasPairs) {
+            // The first unit is 0xD7C0 + the value's bits from the tenth on.
+            const __m512i bits =
+                choose(splatByte<0xFC>(), _mm512_slli_epi16(v1, 2), _mm512_srli_epi16(v2, 4));
+            const __m512i sum = _mm512_sub_epi8(bits, splatByte<0x40>());
+            const uint64_t carry = _mm512_cmpge_epu8_mask(bits, splatByte<0x40>());
+            const __m512i first = _mm512_sub_epi8(v0, splatByte<0xF0 - 0xD7>());
+            const __m512i one = splatByte<0x01>();
+            const __m512i second = choose(splatByte<0x03>(), down2, splatByte<0xDC>());
+            low = _mm512_mask_mov_epi8(low, four, sum);
+            top = _mm512_mask_mov_epi8(top, four, _mm512_mask_add_epi8(first, carry, first, one));
+            top = _mm512_mask_mov_epi8(top, secondOfPair, second);
+        }
+        if (!store(begins | secondOfPair, low, top, n)) return false;
+        owed_ = owed;
+        if constexpr (hasPairs) pairOwed_ = four >> 63;
+        return true;
+    }
+
+    /// Stores the units whose bits are set, which n bytes have become, if they fit.
+    ZEL_INLINE bool store(uint64_t units, __m512i low, __m512i top, int n) {
+        const int count = __builtin_popcountll(units);
+        if (count > at_.room) return false;
         // Unpacking takes the eight bytes at the start, or the end, of every 16.
         const __m512i order = _mm512_set_epi64(7, 3, 6, 2, 5, 1, 4, 0);
         low = _mm512_permutexvar_epi64(order, _mm512_maskz_compress_epi8(units, low));
@@ -194,12 +229,9 @@ private:
             _mm512_mask_storeu_epi16(at_.dst + 32, static_cast<__mmask32>(used >> 32),
                                      _mm512_unpackhi_epi8(low, top));
         }
+        at_.advance(n, count);
+        return true;
     }
-
-    static constexpr char kLead3 = static_cast<char>(0xE0);
-    static constexpr char kLead4 = static_cast<char>(0xF0);
-    static constexpr char kLowTop = static_cast<char>(0xDC);
-    static constexpr uint64_t kLast = uint64_t{1} << 63;
 
     ZEL_INLINE static uint64_t continuationsOf(__m512i v) {
         return continuations(Vec<Zel8u>{v}).bits;
@@ -219,6 +251,7 @@ private:
 
     To16 at_;
     uint64_t owed_ = 0;  // the first bytes of the next block that belong to a character of this one
+    uint64_t pairOwed_ = 0;  // 1 when the first of them is to become the second unit of a pair
 };
 
 /// Converts as many blocks as are ordinary and answers where it ended.

@@ -309,6 +309,22 @@ ZEL_INLINE Vec<T> replaceEqual(Vec<T> v, Vec<T> from, Vec<T> to) {
     return blend(Mask<T>{equalBits(v, from)}, v, to);
 }
 
+/// A constant that is loaded. Compilers would rather make it of an integer, by the one port that
+/// also permutes and compresses, and anew for every block.
+template <Zel32u word>
+inline constexpr Zel32u kWordInMemory = word;
+template <Zel8u byte>
+ZEL_INLINE __m512i splatByte() {
+    const Zel32u* p = &kWordInMemory<byte * 0x01010101u>;
+    asm("" : "+r"(p));
+    return _mm512_set1_epi32(static_cast<int>(*p));
+}
+/// A mask that is shifted next. Compilers would do that where it takes four times as long.
+ZEL_INLINE uint64_t inGeneralRegister(uint64_t mask) {
+    asm("" : "+r"(mask));
+    return mask;
+}
+
 /// The bytes from 0x80 to 0xBF.
 ZEL_INLINE Mask<Zel8u> continuations(Vec<Zel8u> v) {
     return {_mm512_cmplt_epi8_mask(v.v, _mm512_set1_epi8(-64))};
