@@ -69,14 +69,19 @@ void checkGathered(int length, const IsPlace& isPlace, const Gather& gather,
     std::vector<int> met;
     for (int at = 0; at < length;) {
         Gathered result;
+        result.groups = 1 << (at % 5);
         gather(at, &result);
         ASSERT_GT(result.scanned, 0);
         ASSERT_LE(at + result.scanned, length);
-        ASSERT_TRUE(result.count > 0 || at + result.scanned == length);
-        ASSERT_LE(result.count, Gathered::kRoom);
-        for (int i = 0; i < result.count; ++i) {
-            ASSERT_LT(result.begin + result.offsets[i], result.scanned);
-            met.push_back(at + result.begin + result.offsets[i]);
+        ASSERT_TRUE(result.filled != 0 || at + result.scanned == length);
+        ASSERT_LE(result.blocks, Gathered::kGroup * result.groups);
+        for (int i = 0; i < result.blocks; ++i) {
+            ASSERT_EQ(result.bits[i] != 0, (result.filled >> i & 1) != 0);
+            for (int k = 0; k < 64; ++k) {
+                if ((result.bits[i] >> k & 1) == 0) continue;
+                ASSERT_LT(result.begin + 64 * i + k, result.scanned);
+                met.push_back(at + result.begin + 64 * i + k);
+            }
         }
         at += result.scanned;
     }

@@ -10,9 +10,9 @@ class Places {
 public:
     /// Forgets what was gathered.
     void clear() {
-        scanned_ = begin_ = nullptr;
-        seen_ = gathered_.count = 0;
-        gathered_.groups = kFewGroups;
+        begin_ = scanned_ = nullptr;
+        gathered_.blocks = 0;
+        gathered_.groups = 2;
     }
 
     /// The first of the places that `gather(position, length, &gathered)` finds which is not in
@@ -20,29 +20,35 @@ public:
     /// of the text than the one before.
     template <typename Gather>
     const Zel8u* next(const Zel8u* from, const Zel8u* end, const Gather& gather) {
+        using kernels::Gathered;
         for (;;) {
-            for (; seen_ < gathered_.count; ++seen_) {
-                const Zel8u* place = begin_ + gathered_.offsets[seen_];
-                if (place >= from) return place;
+            const ptrdiff_t at = from > begin_ ? from - begin_ : 0;
+            const ptrdiff_t block = at / kPositions;
+            if (block < gathered_.blocks) {
+                const uint64_t bits = gathered_.bits[block] >> (at % kPositions);
+                if (bits != 0) return begin_ + at + __builtin_ctzll(bits);
+                const uint64_t behind = gathered_.filled & ~uint64_t{1} << block;
+                if (behind != 0) {
+                    const int filled = __builtin_ctzll(behind);
+                    return begin_ + kPositions * filled + __builtin_ctzll(gathered_.bits[filled]);
+                }
             }
-            const Zel8u* at = from > scanned_ ? from : scanned_;
-            if (at >= end) return end;
-            gather(at, static_cast<int>(end - at), &gathered_);
-            // Who has come back for more will want many.
-            if (gathered_.groups < kernels::Gathered::kMostGroups) gathered_.groups *= 2;
-            scanned_ = at + gathered_.scanned;
-            begin_ = at + gathered_.begin;
-            seen_ = 0;
+            if (from < scanned_) from = scanned_;
+            if (from >= end) return end;
+            gather(from, static_cast<int>(end - from), &gathered_);
+            begin_ = from + gathered_.begin;
+            scanned_ = from + gathered_.scanned;
+            // Who comes back for more will want many.
+            if (gathered_.groups < Gathered::kBlocks / Gathered::kGroup) gathered_.groups *= 2;
         }
     }
 
 private:
-    static constexpr int kFewGroups = 2;
+    static constexpr ptrdiff_t kPositions = 64;  // in a block
 
     kernels::Gathered gathered_;
-    const Zel8u* begin_;    // where the offsets gathered count from
+    const Zel8u* begin_;    // the position of the first bit
     const Zel8u* scanned_;  // as far as was looked, null before that
-    int seen_;              // how many of the places lie behind
 };
 
 }  // namespace zel

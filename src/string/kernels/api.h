@@ -39,18 +39,17 @@ int findBytesRev(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
 /// Where it stands first when the letters A-Z and a-z are alike, in text and needle.
 int findBytesIgnoreCase(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
 
-/// Places in a text, in order: all those below `scanned`, as offsets from `begin`. There may be
-/// none only when all of the text was scanned.
+/// Places in a text: all those below `scanned`. There may be none only when all of the text was
+/// scanned.
 struct Gathered {
-    static constexpr int kGroup = 4;  // blocks of 64 positions
-    static constexpr int kRoom = 3 * 64 * kGroup;
-    static constexpr int kSpare = 16;
-    static constexpr int kMostGroups = 32;
-    int groups = 2;  // to search from the first place on, at most: for the caller to set
+    static constexpr int kGroup = 4;    // blocks of 64 positions that are searched together
+    static constexpr int kBlocks = 64;  // at most
+    int groups = 1;  // to search from the first place on, at most: for the caller to set
     int scanned;
-    int begin;
-    int count;
-    Zel16u offsets[kRoom + kSpare];  // what stands behind `count` means nothing
+    int begin;               // the first position that a bit stands for
+    int blocks;              // how many blocks of 64 positions have bits
+    uint64_t filled;         // a bit for each block that holds a place
+    uint64_t bits[kBlocks];  // a bit for each position that is a place
 };
 
 /// Places of a needle of at least one byte, and perhaps others that have some of its bytes.

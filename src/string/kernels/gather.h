@@ -4,11 +4,10 @@
 //
 // A search for the next place costs as much for the call, and for finding its bearings, as for some
 // hundred bytes of text. So the search does not end with the first place: it goes on for some more
-// blocks of 64 positions and writes down all that it meets. Up to the first place it is as fast as
-// there is a loop for.
+// blocks of 64 positions and keeps a bit for each, which costs the same whether there are many
+// places or none and leaves nothing to guess. Up to the first place it is as fast as there is a
+// loop for.
 #pragma once
-
-#include <string.h>
 
 #include "string/kernels/byte_runs.h"
 #include "string/kernels/find_element.h"
@@ -17,75 +16,35 @@
 
 namespace zel::ZEL_ISA {
 
-/// The places among the positions of a group of blocks.
-using GroupBits = uint64_t[kernels::Gathered::kGroup];
 constexpr int kGroupPositions = kMaskBits * kernels::Gathered::kGroup;
 
-/// Writes the places of bits, counted from `base`, and up to kernels::Gathered::kSpare more behind
-/// them that mean nothing; answers where they end. Mostly there are two or fewer: these are written
-/// without asking how many.
-ZEL_INLINE Zel16u* writePlaces(uint64_t bits, int base, Zel16u* out) {
-    Zel16u* const end = out + __builtin_popcountll(bits);
-#if defined(ZEL_ISA_AVX512)
-    constexpr int kAtOnce = kernels::Gathered::kSpare;
-    static_assert(kAtOnce == 16);
-    __m128i lanes[4];
-    splitIntoSixteens(compress(bits, laneNumbers()), lanes);
-    const __m256i from = _mm256_set1_epi16(static_cast<short>(base));
-    for (const __m128i& sixteen : lanes) {
-        storeWord(out, _mm256_add_epi16(_mm256_cvtepu8_epi16(sixteen), from));
-        out += kAtOnce;
-        if (out >= end) [[likely]]
-            break;
-    }
-#else
-    constexpr int kPair = 2;
-    do {
-        const int one = base + countTrailingZeros(bits);
-        bits &= bits - 1;
-        const int next = base + countTrailingZeros(bits);
-        bits &= bits - 1;
-        storeWord(out, static_cast<Zel32u>(one | next << 16));
-        out += kPair;
-    } while (out < end);
-#endif
-    return end;
-}
-
-/// Places from the first position of a range on. `bitsOf(position, bits)` sets a bit for each place
-/// among those from `position` on which are below `positions`, and says whether there are any.
-/// `len` is the length of the whole text, which is the answer to how far was searched when
-/// everything was.
+/// Places from the first position of a range on. `bitsOf(position, bits)` sets kGroup words of
+/// bits, one for each place among the positions from `position` on which are below `positions`, and
+/// says whether there are any. `len` is the length of the whole text, which is the answer to how
+/// far was searched when everything was.
 template <typename BitsOf>
 ZEL_INLINE void gatherGroups(ptrdiff_t first, ptrdiff_t positions, int len, const BitsOf& bitsOf,
                              kernels::Gathered* result) {
     using kernels::Gathered;
-    constexpr int kLast = Gathered::kRoom - kGroupPositions;  // there is room for one more group
-    result->begin = 0;
-    Zel16u* out = result->offsets;
     ptrdiff_t at = first;
-    ptrdiff_t stop = positions;
-    for (; at < stop && out - result->offsets <= kLast; at += kGroupPositions) {
-        GroupBits bits;
-        if (!bitsOf(at, bits)) continue;
-        if (out == result->offsets) {
-            result->begin = static_cast<int>(at);
-            const ptrdiff_t room = ptrdiff_t{kGroupPositions} * result->groups;
-            if (positions - at > room) stop = at + room;
-        }
-        int block = static_cast<int>(at - result->begin);
-        for (const uint64_t left : bits) {
-            out = writePlaces(left, block, out);
-            block += kMaskBits;
-        }
+    while (at < positions && !bitsOf(at, result->bits)) at += kGroupPositions;
+    result->begin = static_cast<int>(at);
+    int blocks = 0;
+    for (int group = 0; group < result->groups && at < positions; ++group) {
+        if (group > 0) bitsOf(at, result->bits + blocks);
+        blocks += Gathered::kGroup;
+        at += kGroupPositions;
     }
-    result->count = static_cast<int>(out - result->offsets);
+    result->blocks = blocks;
     result->scanned = at < positions ? static_cast<int>(at) : len;
+    uint64_t filled = 0;
+    for (int i = 0; i < blocks; ++i) filled |= uint64_t{result->bits[i] != 0} << i;
+    result->filled = filled;
 }
 
 /// Sets the bits of a group, `bitsAt(k)` being those of its block k; whether there are any.
 template <typename BitsAt>
-ZEL_INLINE bool setGroup(GroupBits& bits, const BitsAt& bitsAt) {
+ZEL_INLINE bool setGroup(uint64_t* bits, const BitsAt& bitsAt) {
     uint64_t any = 0;
     for (int k = 0; k < kernels::Gathered::kGroup; ++k) any |= bits[k] = bitsAt(k);
     return any != 0;
@@ -95,7 +54,7 @@ ZEL_INLINE bool setGroup(GroupBits& bits, const BitsAt& bitsAt) {
 template <typename BitsAt>
 ZEL_INLINE void gatherFrom(ptrdiff_t first, ptrdiff_t positions, int len, const BitsAt& bitsAt,
                            kernels::Gathered* result) {
-    const auto bitsOf = [&](ptrdiff_t at, GroupBits& bits) {
+    const auto bitsOf = [&](ptrdiff_t at, uint64_t* bits) {
         return setGroup(bits, [&](int k) {
             const ptrdiff_t block = at + kMaskBits * k;
             return bitsAt(block, positions - block);
@@ -119,7 +78,7 @@ ZEL_INLINE void gatherLiteral(const Zel8u* p, int first, int len, int literalLen
     const auto middle = probeAt(offsets[1]);
     const auto third = probeAt(offsets[2]);
     const ptrdiff_t positions = ptrdiff_t{len} - literalLength + 1;
-    const auto bitsOf = [&](ptrdiff_t at, GroupBits& bits) {
+    const auto bitsOf = [&](ptrdiff_t at, uint64_t* bits) {
         const auto both = [&](ptrdiff_t i, const auto& a, ptrdiff_t j, const auto& b, int k) {
             const ptrdiff_t block = at + kMaskBits * k;
             const ptrdiff_t left = positions - block;
@@ -189,7 +148,7 @@ ZEL_INLINE void gatherShapeBy(const Class& first, const Class& second, const Zel
     static_assert(Shape::kMostProbes <= kMaskBits);
     const Shape::Probe* const probes = shape.probes;
     const ptrdiff_t positions = ptrdiff_t{len} - shape.length + 1;
-    const auto bitsOf = [&](ptrdiff_t at, GroupBits& bits) {
+    const auto bitsOf = [&](ptrdiff_t at, uint64_t* bits) {
         const auto filter = [&](int k) {
             const Zel8u* const block = p + at + kMaskBits * k;
             const ptrdiff_t left = positions - at - kMaskBits * k;

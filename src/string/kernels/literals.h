@@ -8,6 +8,40 @@
 
 namespace zel::ZEL_ISA {
 
+/// Places that writePlaces may write without there being any.
+constexpr int kSpare = 16;
+
+/// Writes the places of bits, counted from `base`, and up to kSpare more behind
+/// them that mean nothing; answers where they end. Mostly there are two or fewer: these are written
+/// without asking how many.
+ZEL_INLINE Zel16u* writePlaces(uint64_t bits, int base, Zel16u* out) {
+    Zel16u* const end = out + __builtin_popcountll(bits);
+#if defined(ZEL_ISA_AVX512)
+    constexpr int kAtOnce = kSpare;
+    static_assert(kAtOnce == 16);
+    __m128i lanes[4];
+    splitIntoSixteens(compress(bits, laneNumbers()), lanes);
+    const __m256i from = _mm256_set1_epi16(static_cast<short>(base));
+    for (const __m128i& sixteen : lanes) {
+        storeWord(out, _mm256_add_epi16(_mm256_cvtepu8_epi16(sixteen), from));
+        out += kAtOnce;
+        if (out >= end) [[likely]]
+            break;
+    }
+#else
+    constexpr int kPair = 2;
+    do {
+        const int one = base + countTrailingZeros(bits);
+        bits &= bits - 1;
+        const int next = base + countTrailingZeros(bits);
+        bits &= bits - 1;
+        storeWord(out, static_cast<Zel32u>(one | next << 16));
+        out += kPair;
+    } while (out < end);
+#endif
+    return end;
+}
+
 /// Blocks of positions looked at before the places in them are: so many that it does not count that
 /// the end of the loop over the places cannot be guessed.
 inline constexpr int kBatchBlocks = 32;
@@ -24,7 +58,7 @@ template <typename Gather, typename LengthAt>
 ZEL_INLINE int collectMatches(const Zel8u* p, ptrdiff_t positions, const Gather& gather,
                               const LengthAt& lengthAt, ZelRegExpFind* matches, int capacity) {
     constexpr int kBatch = kMaskBits * kBatchBlocks;
-    Zel16u places[kBatch + kernels::Gathered::kSpare];
+    Zel16u places[kBatch + kSpare];
     int count = 0;
     const Zel8u* behind = p;  // the last match
     for (ptrdiff_t from = 0; from < positions; from += kBatch) {
