@@ -131,25 +131,7 @@ public:
     /// Tries start positions from `start` on.
     bool findFrom(const Zel8u* start) {
         clearCaptures();
-        if (start == context_.textStart) {
-            // The beginning is tried whatever the anchor; many a search ends here.
-            if (attempt(start)) return true;
-            start = advance(start);
-        }
-        lookAtPattern();
-        if (anchor_ == Anchor::kStart) return false;
-        for (const Zel8u* position = startAt(start); position != nullptr;
-             position = after(position)) {
-            if (outOfBudget()) return false;  // every further attempt fails at once
-            if (attemptsBeforePlanning_ > 0 && --attemptsBeforePlanning_ == 0)
-                makePlan(state_, anchor_ == Anchor::kLineStart, context_.stack, plan_);
-            if (plan_.kind != Plan::kNone) {
-                position = skipFrom(position);
-                if (position == nullptr) return false;
-            }
-            if (attemptOneWay(position)) return true;
-        }
-        return false;
+        return plan_.kind != Plan::kNone ? findPlanned(startAt(start)) : findWithoutPlan(start);
     }
 
     /// Writes all matches from `start` on, for patterns that need no attempts. False when this
@@ -180,6 +162,38 @@ private:
     // costs next to nothing.
     static constexpr int kAttemptsBeforePlanning = 8;
     static constexpr int kCandidatesBeforeOneWay = 3;
+
+    /// Tries start positions, and plans when there have been some in vain.
+    [[gnu::noinline]] bool findWithoutPlan(const Zel8u* start) {
+        if (start == context_.textStart) {
+            // The beginning is tried whatever the anchor; many a search ends here.
+            if (attempt(start)) return true;
+            start = advance(start);
+        }
+        lookAtPattern();
+        if (anchor_ == Anchor::kStart) return false;
+        for (const Zel8u* position = startAt(start); position != nullptr;
+             position = after(position)) {
+            if (outOfBudget()) return false;  // every further attempt fails at once
+            if (attemptsBeforePlanning_ > 0 && --attemptsBeforePlanning_ == 0) {
+                makePlan(state_, anchor_ == Anchor::kLineStart, context_.stack, plan_);
+                if (plan_.kind != Plan::kNone) return findPlanned(position);
+            }
+            if (attempt(position)) return true;
+        }
+        return false;
+    }
+
+    /// Tries the start positions that the plan does not reject.
+    bool findPlanned(const Zel8u* position) {
+        for (; position != nullptr; position = after(position)) {
+            if (outOfBudget()) return false;
+            position = skipFrom(position);
+            if (position == nullptr) return false;
+            if (attemptPlanned(position)) return true;
+        }
+        return false;
+    }
 
     /// The matches of a pattern that is a run of a set's bytes.
     bool collectPlainRuns(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
@@ -267,13 +281,13 @@ private:
     }
 
     /// One attempt, without the engine where the pattern allows it.
-    bool attemptOneWay(const Zel8u* position) {
+    bool attemptPlanned(const Zel8u* position) {
         if (plan_.matchLength > 0 && position < context_.textEnd) {
             context_.captures[0] = {position, plan_.matchLength};
             guessed_ = true;
             return context_.charge(state_.nodeCount);
         }
-        if (plan_.kind != Plan::kNone && ++candidates_ == kCandidatesBeforeOneWay)
+        if (!oneWay_.isKnown() && ++candidates_ == kCandidatesBeforeOneWay)
             plan_.triesAreCheap = makeOneWay(state_, context_.stack, oneWay_);
         if (oneWay_.isKnown()) {
             const OneWay::Outcome outcome = oneWay_.tryAt(position, context_);

@@ -102,6 +102,11 @@ private:
                 record.length = static_cast<int>(position - record.text);
                 return kMatched;
             }
+            case Part::kLineStart:
+                return passIf(position == context_.textStart ||
+                              (left() != 0 && position[-1] == '\n'));
+            case Part::kLineEnd:
+                return passIf(left() == 0 || *position == '\n');
             case Part::kPosition:
                 context_.flags = part.flags;
                 return passIf(
@@ -162,6 +167,7 @@ private:
         if (length < part.min) return fail();
         if (length > part.min && (!part.isFinal || (part.mindsWide && isWideAt(run, end_))))
             isSure_ = false;
+        if (part.number != 0) context_.captures[part.number] = {position, static_cast<int>(length)};
         position = run;
         return kMatched;
     }

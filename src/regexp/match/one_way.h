@@ -20,13 +20,16 @@ struct OneWay {
 
     struct Part {
         enum Kind : Zel8u {
-            kText,       // `text`
-            kSameText,   // `text`, ignoring case
-            kRun,        // min to max bytes of `set`, as many as there are
+            kText,      // `text`
+            kSameText,  // `text`, ignoring case
+            kRun,  // min to max bytes of `set`, as many as there are: if `number` is not 0, they
+                   // are the text of that capture
             kRunToText,  // the same, but only up to the last place where `text` follows
             kUntilText,  // as few bytes of `set` as there are in front of `text`
             kOpen,       // of the capture `number`
             kClose,
+            kLineStart,
+            kLineEnd,
             kPosition,   // the assertion `number`
             kAhead,      // `text` stands behind the position, or must not
             kBehind,     // in front of it

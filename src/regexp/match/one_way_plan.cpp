@@ -30,6 +30,29 @@ void findExcluded(OneWay::Part& part) {
     }
 }
 
+OneWay::Part::Kind positionKind(int assertion, Zel32u flags) {
+    const bool multiLine = (flags & kOptionMultiLine) != 0;
+    if (multiLine && assertion == '^') return OneWay::Part::kLineStart;
+    if (multiLine && assertion == '$') return OneWay::Part::kLineEnd;
+    return OneWay::Part::kPosition;
+}
+
+/// Makes one part of the last three of those from `first` to `end`, where they are a run and the
+/// capture around it. Answers the new end.
+OneWay::Part* foldCapturedRun(OneWay::Part* first, OneWay::Part* end) {
+    if (end - first < 3) return end;
+    OneWay::Part& open = end[-3];
+    const OneWay::Part& run = end[-2];
+    const OneWay::Part& close = end[-1];
+    if (open.kind != OneWay::Part::kOpen || run.kind != OneWay::Part::kRun || run.number != 0 ||
+        close.kind != OneWay::Part::kClose) {
+        return end;
+    }
+    open = run;
+    open.number = close.number;
+    return end - 2;
+}
+
 /// Most runs are short; but not those that a few bytes end.
 void findRanges(OneWay& oneWay, OneWay::Part& part) {
     constexpr int kChunks = 2;
@@ -105,6 +128,7 @@ int Planner::describeRunAndText(int index, Zel32u flags, OneWay& oneWay, OneWay:
     part.isFinal = isKnown && disjoint(part.set, rest.bytes);
     if (isKnown && rest.price > oneWay.price) oneWay.price = rest.price;
     part.kind = OneWay::Part::kRun;
+    part.number = 0;
     const bool isLazy = repeat != nullptr && repeat->kind == NodeQuantifierMin;
     if (!isLazy && (part.isFinal || part.min == part.max)) return next - index;
 
@@ -176,7 +200,7 @@ int Planner::describeNode(int index, Zel32u& flags, OneWay& oneWay, OneWay::Part
         case NodeCharacterClass:
             return describeRun(index, flags, oneWay, part);
         case NodePosition:
-            part.kind = OneWay::Part::kPosition;
+            part.kind = positionKind(node.value, flags);
             part.number = node.value;
             return quantifier(index + 1) == nullptr ? 1 : 0;
         case NodeOptions:
@@ -250,7 +274,8 @@ bool Planner::describe(Zel32u flags, OneWay& oneWay) {
             if (!isPart) continue;
             part.flags = flags;
             isLazy = isLazy || part.kind == OneWay::Part::kUntilText;
-            ++parts;
+            OneWay::Part* const first = oneWay.parts + oneWay.first[oneWay.alternatives - 1];
+            parts = static_cast<int>(foldCapturedRun(first, &part + 1) - oneWay.parts);
         }
         if (index < count_ && nodes_[index].value != 0) return false;  // of a group
         if (index < count_) flags = static_cast<Zel32u>(nodes_[index].count);

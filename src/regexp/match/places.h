@@ -22,17 +22,7 @@ public:
     const Zel8u* next(const Zel8u* from, const Zel8u* end, const Gather& gather) {
         using kernels::Gathered;
         for (;;) {
-            const ptrdiff_t at = from > begin_ ? from - begin_ : 0;
-            const ptrdiff_t block = at / kPositions;
-            if (block < gathered_.blocks) {
-                const uint64_t bits = gathered_.bits[block] >> (at % kPositions);
-                if (bits != 0) return begin_ + at + __builtin_ctzll(bits);
-                const uint64_t behind = gathered_.filled & ~uint64_t{1} << block;
-                if (behind != 0) {
-                    const int filled = __builtin_ctzll(behind);
-                    return begin_ + kPositions * filled + __builtin_ctzll(gathered_.bits[filled]);
-                }
-            }
+            if (const Zel8u* place = gatheredFrom(from); place != nullptr) return place;
             if (from < scanned_) from = scanned_;
             if (from >= end) return end;
             gather(from, static_cast<int>(end - from), &gathered_);
@@ -41,6 +31,19 @@ public:
             // Who comes back for more will want many.
             if (gathered_.groups < Gathered::kBlocks / Gathered::kGroup) gathered_.groups *= 2;
         }
+    }
+
+    /// The same, if that place has been gathered already; else null.
+    const Zel8u* gatheredFrom(const Zel8u* from) const {
+        const ptrdiff_t at = from > begin_ ? from - begin_ : 0;
+        const ptrdiff_t block = at / kPositions;
+        if (block >= gathered_.blocks) return nullptr;
+        const uint64_t bits = gathered_.bits[block] >> (at % kPositions);
+        if (bits != 0) return begin_ + at + __builtin_ctzll(bits);
+        const uint64_t behind = gathered_.filled & ~uint64_t{1} << block;
+        if (behind == 0) return nullptr;
+        const int filled = __builtin_ctzll(behind);
+        return begin_ + kPositions * filled + __builtin_ctzll(gathered_.bits[filled]);
     }
 
 private:

@@ -324,6 +324,7 @@ void makePlan(const ZelRegExpState& state, bool lines, StackGuard& stack, Plan& 
     } else {
         planner.make(state.options, plan);
     }
+    plan.noteShortcuts();
 }
 
 bool isPlainRun(const ZelRegExpState& state, StackGuard& stack, ByteSet& bytes) {

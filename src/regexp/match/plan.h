@@ -33,11 +33,13 @@ struct Plan {
         kSet,         // a match begins with a byte of `first`
     };
     Kind kind;
-    bool lines;       // only starts of lines are tried anyway
-    int price;        // what a rejected start position costs at most
-    int matchLength;  // of the match at every place the plan does not reject; 0 when not known
-    int runPrice;     // and, for runs, what each byte behind it in its run adds
-    bool exact;       // whether it costs just that
+    bool lines;           // only starts of lines are tried anyway
+    int price;            // what a rejected start position costs at most
+    int matchLength;      // of the match at every place the plan does not reject; 0 when not known
+    bool startsAtPlaces;  // what is gathered are the positions that the plan does not reject
+    bool isFlat;          // the bill is the price of each
+    int runPrice;         // and, for runs, what each byte behind it in its run adds
+    bool exact;           // whether it costs just that
     ByteSet first;
     ByteSet behind;
     ByteSet second;  // a run of other bytes between the first run and `literal`
@@ -66,13 +68,23 @@ struct Plan {
 
     /// The first position of [from, end) that the plan does not reject, `end` when there is none.
     /// `start` is where the subject begins.
-    const Zel8u* next(const Zel8u* from, const Zel8u* start, const Zel8u* end);
+    const Zel8u* next(const Zel8u* from, const Zel8u* start, const Zel8u* end) {
+        const Zel8u* place = startsAtPlaces ? places_.gatheredFrom(from) : nullptr;
+        return place != nullptr ? place : findNext(from, start, end);
+    }
 
     /// What the rejected positions of [from, to) cost at most. How exactly that is found out
     /// depends on how many steps there are for the text up to `end`.
-    int64_t bill(const Zel8u* from, const Zel8u* to, const Zel8u* end, int steps) const;
+    int64_t bill(const Zel8u* from, const Zel8u* to, const Zel8u* end, int steps) const {
+        return isFlat ? (to - from) * price : sumUp(from, to, end, steps);
+    }
+
+    /// To be called when everything else is known.
+    void noteShortcuts();
 
 private:
+    const Zel8u* findNext(const Zel8u* from, const Zel8u* start, const Zel8u* end);
+    int64_t sumUp(const Zel8u* from, const Zel8u* to, const Zel8u* end, int steps) const;
     const Zel8u* nextLiteral(const Zel8u* from, const Zel8u* end);
     bool acceptsAt(const Zel8u* position, const Zel8u* end) const;
     const Zel8u* nextStartOfLine(const Zel8u* from, const Zel8u* end);

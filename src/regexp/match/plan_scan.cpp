@@ -31,6 +31,22 @@ void Plan::clear() {
     first = behind = second = {};
 }
 
+void Plan::noteShortcuts() {
+    isFlat = runPrice == 0 && kind != kRequired && kind != kLine;
+    switch (kind) {
+        case kLiteral:
+        case kPrefix:
+        case kShape:
+        case kDoubled:
+        case kSet:
+            startsAtPlaces = !lines;
+            break;
+        default:
+            startsAtPlaces = false;
+            break;
+    }
+}
+
 const Zel8u* Plan::nextLiteral(const Zel8u* from, const Zel8u* end) {
     return places_.next(from, end, [this](const Zel8u* p, int length, kernels::Gathered* places) {
         const auto gather = ignoreCase ? kernels::gatherBytesFolded : kernels::gatherBytes;
@@ -38,7 +54,7 @@ const Zel8u* Plan::nextLiteral(const Zel8u* from, const Zel8u* end) {
     });
 }
 
-const Zel8u* Plan::next(const Zel8u* from, const Zel8u* start, const Zel8u* end) {
+const Zel8u* Plan::findNext(const Zel8u* from, const Zel8u* start, const Zel8u* end) {
     using kernels::Gathered;
     if (lines) return nextStartOfLine(from, end);
     switch (kind) {
@@ -202,7 +218,7 @@ int64_t Plan::billForRuns(const Zel8u* from, const Zel8u* to) const {
     return sum + bills[run];
 }
 
-int64_t Plan::bill(const Zel8u* from, const Zel8u* to, const Zel8u* end, int steps) const {
+int64_t Plan::sumUp(const Zel8u* from, const Zel8u* to, const Zel8u* end, int steps) const {
     const int64_t length = to - from;
     if (kind == kRequired) return billForRuns(from, to);
     if (lines) return length * (price + runPrice);
