@@ -11,9 +11,9 @@ namespace zel::ZEL_ISA {
 /// Places that writePlaces may write without there being any.
 constexpr int kSpare = 16;
 
-/// Writes the places of bits, counted from `base`, and up to kSpare more behind
-/// them that mean nothing; answers where they end. Mostly there are two or fewer: these are written
-/// without asking how many.
+/// Writes the places of bits, counted from `base`, and up to kSpare more behind them that mean
+/// nothing; answers where they end. Mostly there are two or fewer: these are written without asking
+/// how many.
 ZEL_INLINE Zel16u* writePlaces(uint64_t bits, int base, Zel16u* out) {
     Zel16u* const end = out + __builtin_popcountll(bits);
 #if defined(ZEL_ISA_AVX512)
