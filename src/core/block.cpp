@@ -11,42 +11,46 @@ namespace zel::ZEL_ISA {
 
 namespace {
 
-// A function that calls another with vectors at hand sets up an aligned stack frame, which is felt
-// in a copy of a few bytes. What is not short goes on to a function of its own, whose status is
-// passed on as it is.
+// The shortest calls are done at once; see isShortCall for the others.
 
-[[gnu::noinline]] ZelStatus copyOtherwise(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
-    copyForward(src, dst, n);
+ZEL_INLINE void copyRange(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+    if (repeats(src, dst, n)) [[unlikely]]
+        copyForward(src, dst, n);
+    else
+        moveRange(src, dst, n);
+}
+
+template <auto moveBytes>
+[[gnu::noinline]] ZelStatus moveOtherwise(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+    if (anyNull(src, dst)) return zelStatusNullPointer;
+    if (n < 1) return zelStatusSizeError;
+    moveBytes(src, dst, n);
     return zelStatusOk;
 }
 
-[[gnu::noinline]] ZelStatus moveOtherwise(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
-    moveRange(src, dst, n);
-    return zelStatusOk;
+ZEL_INLINE bool isShortestMove(const Zel8u* src, const Zel8u* dst, ptrdiff_t n) {
+    return !anyNull(src, dst) && static_cast<size_t>(n) - 1 < size_t{kShortestBlock};
 }
 
 template <typename T>
 ZEL_INLINE ZelStatus copy(const T* from, T* to, int len) {
-    if (anyNull(from, to)) return zelStatusNullPointer;
-    if (len < 1) return zelStatusSizeError;
     const auto* const src = reinterpret_cast<const Zel8u*>(from);
     auto* const dst = reinterpret_cast<Zel8u*>(to);
     const auto n = len * static_cast<ptrdiff_t>(sizeof(T));
-    const bool isApart = static_cast<size_t>(dst - src) >= static_cast<size_t>(n);
-    if (n > kShortBlock || !isApart) return copyOtherwise(src, dst, n);
-    moveShort(src, dst, n);
+    if (!isShortestMove(src, dst, n) || repeats(src, dst, n)) [[unlikely]]
+        return moveOtherwise<copyRange>(src, dst, n);
+    moveShortest(src, dst, n);
     return zelStatusOk;
 }
 
 template <typename T>
 ZEL_INLINE ZelStatus move(const T* from, T* to, int len) {
-    if (anyNull(from, to)) return zelStatusNullPointer;
-    if (len < 1) return zelStatusSizeError;
     const auto* const src = reinterpret_cast<const Zel8u*>(from);
     auto* const dst = reinterpret_cast<Zel8u*>(to);
     const auto n = len * static_cast<ptrdiff_t>(sizeof(T));
-    if (n > kShortBlock) return moveOtherwise(src, dst, n);
-    moveShort(src, dst, n);
+    if (!isShortestMove(src, dst, n)) [[unlikely]]
+        return moveOtherwise<moveRange>(src, dst, n);
+    moveShortest(src, dst, n);
     return zelStatusOk;
 }
 
