@@ -83,8 +83,9 @@ enum LightKind : Zel8u {
     kLightLazy,       // as few members as there can be
     kLightRaising,    // the same; when it fails, it leaves the whole match longer by what it took
     kLightOptional,   // a group that may be passed over, to go on at operation `min`: because its
-                      // body cannot begin in front of what stands there
-    kLightTrying,     // the same, but also when the body or what is behind it fails
+                      // body cannot begin in front of what stands there. Else `max` characters and
+                      // operations are done with: 1 when the body begins with one character.
+    kLightTrying,     // the same, but also passed over when the body or what is behind it fails
     kLightOpen,       // the capture `slot` begins
     kLightClose,      // and ends
     kLightEnd,        // here must be the end, perhaps behind a newline

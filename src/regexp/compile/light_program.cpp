@@ -419,7 +419,10 @@ private:
         if (here.price > kTooDear) here.price = kTooDear;  // groups in groups would double it
         note(here.price);
         if (!body.mayBeNothing) operation.rest = beginningOf(body);
-        if (operation.rest != LightOperation::kAnything && disjoint(body.set, behind.set)) return;
+        const LightOperation& first = (&operation)[1];
+        const bool isTested = operation.rest != LightOperation::kAnything;
+        operation.max = isTested && (first.kind == kLightLetter || first.kind == kLightOne);
+        if (isTested && disjoint(body.set, behind.set)) return;
         operation.kind = kLightTrying;
         ++choices_;
     }

@@ -3,6 +3,7 @@
 #include "regexp/match/light_walk.h"
 
 #include <emmintrin.h>
+#include <string.h>
 
 #include "regexp/match/positions.h"
 #include "regexp/match/predicates.h"
@@ -221,15 +222,15 @@ int LightWalk<kOneWord>::takeLine(Place place) {
                 break;
             }
             case kLightOptional:
-                if (!members_.has(operation.rest, position)) next = passOver(operation);
-                break;
             case kLightTrying:
                 if (operation.rest != LightOperation::kAnything &&
                     !members_.has(operation.rest, position)) {
                     next = passOver(operation);
-                } else {
-                    push(operation, position, position);
+                    break;
                 }
+                if (operation.kind == kLightTrying) push(operation, position, position);
+                position += operation.max;
+                next += operation.max;
                 break;
             case kLightOpen:
                 captures_[operation.slot].text = text_ + position;
@@ -277,11 +278,17 @@ template <bool kOneWord>
 bool LightWalk<kOneWord>::isText(const LightOperation& operation, int position) const {
     const auto* literal =
         reinterpret_cast<const Zel8u*>(state_.nodes() + state_.nodeCount) + operation.min;
-    if (length_ - position < operation.max) return false;
-    for (int i = 0; i < operation.max; ++i) {
-        if (text_[position + i] != literal[i]) return false;
+    const int left = length_ - position;
+    const Zel8u* text = text_ + position;
+    if (left < operation.max) return false;
+    if (left >= 8 && operation.max <= 8) {  // there are so many bytes behind all literals, too
+        uint64_t a;
+        uint64_t b;
+        __builtin_memcpy(&a, text, sizeof a);
+        __builtin_memcpy(&b, literal, sizeof b);
+        return (a ^ b) << (64 - 8 * operation.max) == 0;
     }
-    return true;
+    return memcmp(text, literal, operation.max) == 0;
 }
 
 /// Finds the place from which to go on another way; false when there is none left, and the choice
