@@ -2,14 +2,17 @@
 // short texts. Where the object has room behind the text of its literals, the compiler puts one
 // there, and the matcher's light walk runs it; the nodes say the same, and are what counts.
 //
-//   text of the literals | zeros up to a multiple of 8 | LightProgram | sets | operations
+//   text of the literals | LightProgram | its own sets | operations
 //
-// Literal text holds no zero byte, so that the first one leads to the program. It is there whenever
-// the first node is an assertion that leaves room; a first word of 0 then means that there is no
-// program. All places are relative: an object may be copied to another address.
+// Literal text holds no zero byte and a program begins with one, which leads to it. This byte is
+// there whenever the first node is an assertion that stands in the pattern; another zero behind it
+// means that there is no program. Nothing in a program is an address: an object may be copied.
 //
-// A program is for ASCII texts. Then each character is a byte in either format, and a set of them
-// takes 16 bytes.
+// Room is scarce, as little as 24 bytes where each byte of the pattern became a node. So everything
+// in a program is bytes, and operations are of different sizes.
+//
+// A program is for short ASCII texts. Then each character is a byte in either format, and a set of
+// them takes 16 bytes.
 #pragma once
 
 #include <stdint.h>
@@ -72,66 +75,90 @@ inline constexpr AsciiSet kAsciiWords = asciiRanges("09AZaz__");
 inline constexpr AsciiSet kAsciiSpaces = asciiRanges("\t\n\f\r  ");
 inline constexpr AsciiSet kAsciiNewLine = asciiRanges("\n\n");
 
-/// What one operation does at the position. Those that can fail say so by "must".
+/// The sets of the shorthands, in the order of their letters. They have numbers of their own, from
+/// kFirstShorthand on, and take no room in a program.
+inline constexpr char kShorthandLetters[] = "dDsSwW.";
+inline constexpr int kShorthands = 7;
+inline constexpr AsciiSet kShorthandSets[kShorthands] = {
+    kAsciiDigits, inverted(kAsciiDigits), kAsciiSpaces,           inverted(kAsciiSpaces),
+    kAsciiWords,  inverted(kAsciiWords),  inverted(kAsciiNewLine)};
+
+/// What one operation does at the position. Those that can fail say so by "must". In front of each
+/// its size in bytes: those of LightOperation that it has.
 enum LightKind : Zel8u {
-    kLightLetter,     // the letter `set` must stand there; behind it
-    kLightText,       // `max` bytes from offset `min` of the literals' text must stand there
-    kLightOne,        // a member of `set` must stand there
-    kLightRun,        // `min` to `max` members of `set`, as many as there are
-    kLightRunLetter,  // the same, and behind them the letter `rest` must stand
-    kLightGiving,     // the same, but when the rest fails it is tried behind fewer of them
-    kLightLazy,       // as few members as there can be
-    kLightRaising,    // the same; when it fails, it leaves the whole match longer by what it took
-    kLightOptional,   // a group that may be passed over, to go on at operation `min`: because its
-                      // body cannot begin in front of what stands there. Else `max` characters and
-                      // operations are done with: 1 when the body begins with one character.
-    kLightTrying,     // the same, but also passed over when the body or what is behind it fails
-    kLightOpen,       // the capture `slot` begins
-    kLightClose,      // and ends
-    kLightEnd,        // here must be the end, perhaps behind a newline
-    kLightVeryEnd,    // the end
-    kLightLineEnd,    // the end or a newline
-    kLightBoundary,   // a word boundary
-    kLightInside,     // no word boundary
-    kLightMatch,      // a match
-    kLightEndMatch,   // kLightEnd, kLightMatch
+    kLightLetter,     // 2  the letter `set` must stand there; behind it
+    kLightOne,        // 2  a member of `set` must stand there
+    kLightOpen,       // 2  the capture `set` begins
+    kLightClose,      // 2  and ends
+    kLightText,       // 3  `rest` bytes from offset `set` of the literals' text must stand there
+    kLightRun,        // 6  `min` to `max` members of `set`, as many as there are
+    kLightRunLetter,  // 6  the same, and behind them the letter `rest` must stand
+    kLightGiving,     // 6  the same as kLightRun, but when what follows fails it is tried behind
+                      //    fewer of them
+    kLightLazy,       // 6  as few members as there can be
+    kLightRaising,   // 6  the same; when it fails, it leaves the whole match longer by what it took
+    kLightOptional,  // 6  a group that may be passed over, to go on `min` bytes further: because
+                     //    its body cannot begin in front of what stands there. Else `max` bytes
+                     //    further, and when that is not 0, one character.
+    kLightTrying,    // 6  the same, but also passed over when the body or what follows fails
+    kLightEnd,       // 1  here must be the end, perhaps behind a newline
+    kLightVeryEnd,   // 1  the end
+    kLightLineEnd,   // 1  the end or a newline
+    kLightBoundary,  // 1  a word boundary
+    kLightInside,    // 1  no word boundary
+    kLightMatch,     // 1  a match
+    kLightEndMatch,  // 1  kLightEnd, kLightMatch
 };
 
-/// One operation. Sets are given by their numbers. `rest` are the characters that what follows can
-/// begin with (of an optional group: it and what follows), kAnything when it may also be nothing.
+/// One operation, as far as its kind has it. Sets are given by their numbers. `rest` are the
+/// characters that what follows can begin with (of an optional group: it and what follows),
+/// kAnything when it may also be nothing.
 struct LightOperation {
     static constexpr Zel8u kAnything = 0xFF;
-    static constexpr Zel16u kNoLimit = 0xFFFF;
+    static constexpr Zel8u kNoLimit = 0xFF;  // no text is longer
 
     Zel8u kind;
     Zel8u set;  // of an optional group: how many captures it has
     Zel8u rest;
-    Zel8u slot;  // of a run that is all there is in a capture; of a group's first capture
-    Zel16u min;
-    Zel16u max;
-};
-static_assert(sizeof(LightOperation) == 8);
+    Zel8u slot;  // of a run that is all there is in a capture; of a group's first capture; or 0
+    Zel8u min;
+    Zel8u max;
 
-struct LightProgram {
-    // The lowest byte, the first in memory, is zero.
-    static constexpr Zel32u kMark = 0x7A4C7000;
-    static constexpr int kMaxSets = 16;
-    static constexpr int kMaxChoices = 16;  // operations that may leave a choice behind them
-
-    Zel32u mark;
-    Zel8u setCount;
-    Zel8u missPrice;   // steps at most, to find out that what follows does not begin somewhere
-    Zel16u pathPrice;  // and to go through the program once, with nothing given back
-
-    const AsciiSet* sets() const { return reinterpret_cast<const AsciiSet*>(this + 1); }
-    const LightOperation* operations() const {
-        return reinterpret_cast<const LightOperation*>(sets() + setCount);
+    static constexpr Zel8u sizeOf(Zel8u kind) {
+        return kind < kLightText ? 2 : kind == kLightText ? 3 : kind < kLightEnd ? kLargest : 1;
+    }
+    static constexpr Zel8u kLargest = 6;
+    /// What stands so many bytes further.
+    const LightOperation* further(int bytes) const {
+        return reinterpret_cast<const LightOperation*>(&kind + bytes);
+    }
+    /// What stands behind an operation, which is known to be as large as those of the kind.
+    template <LightKind known>
+    const LightOperation* behind() const {
+        return further(sizeOf(known));
     }
 };
-static_assert(sizeof(LightProgram) == 8);
+static_assert(sizeof(LightOperation) == LightOperation::kLargest);
 
-/// Whether the object says, behind the text of its literals, if it has a light program: its first
-/// node must be an assertion that stands in the pattern.
+struct LightProgram {
+    static constexpr Zel8u kMark = 0x7A;
+    static constexpr int kFirstShorthand = 9;  // and the largest number of other sets
+    static constexpr int kMaxChoices = 16;     // operations that may leave a choice behind them
+
+    Zel8u zero;
+    Zel8u mark;
+    Zel8u setCount;
+    Zel8u shorthands;  // which of them it uses, a bit for each
+    Zel8u missPrice;   // steps at most, to find out that what follows does not begin somewhere
+
+    const Zel8u* sets() const { return &zero + sizeof *this; }
+    const LightOperation* operations() const {
+        return reinterpret_cast<const LightOperation*>(sets() + setCount * sizeof(AsciiSet));
+    }
+};
+static_assert(sizeof(LightProgram) == 5);
+
+/// Whether there is at least the zero byte behind the text of the literals.
 inline bool mayHaveLightProgram(const ZelRegExpState& state) {
     if (state.nodeCount == 0) return false;
     const Node& first = state.nodes()[0];

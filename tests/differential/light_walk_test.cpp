@@ -4,6 +4,8 @@
 #include "regexp/match/light_walk.h"
 
 #include <gtest/gtest.h>
+#include <stdlib.h>
+#include <string.h>
 
 #include <string>
 
@@ -144,6 +146,8 @@ const Decided kDecided[] = {
     {"^\\s*(\\w+)\\s*=\\s*(.*?)\\s*$", "path = /usr/bin ", zel::LightOutcome::kMatched},
     {"^\\s*(\\w+)\\s*=\\s*(.*?)\\s*$", "no equals sign", zel::LightOutcome::kFailed},
     {"^(https?)://([^/:]+)(:\\d+)?(/[^?#]*)?", "http://a.b:80/", zel::LightOutcome::kMatched},
+    {"^(.*)=(.*)$", "width=640", zel::LightOutcome::kMatched},  // the least room that there can be
+    {"^.*$", "", zel::LightOutcome::kMatched},
     {"^\\w+$", "\xC3\xA9t\xC3\xA9", zel::LightOutcome::kNotKnown},
     {"^(a|b)$", "a", zel::LightOutcome::kNotKnown},
     {"^a|b", "b", zel::LightOutcome::kNotKnown},
@@ -168,6 +172,43 @@ TEST(LightWalk, DecidesWhatItIsMadeFor) {
         // Not even one step too few is for the walk to decide.
         zelsRegExpSetMatchLimit(3, state);
         EXPECT_EQ(walk(*state, decided.subject), zel::LightOutcome::kNotKnown) << decided.pattern;
+        zelsRegExpFree(state);
+    }
+}
+
+TEST(LightWalk, LeavesLongTextsToTheEngine) {
+    ZelRegExpState* state = nullptr;
+    int offset = 0;
+    ASSERT_EQ(zelsRegExpInitAlloc("^\\w+$", "", &state, &offset), zelStatusOk);
+    EXPECT_EQ(walk(*state, std::string(255, 'a')), zel::LightOutcome::kMatched);
+    EXPECT_EQ(walk(*state, std::string(256, 'a')), zel::LightOutcome::kNotKnown);
+    zelsRegExpFree(state);
+}
+
+TEST(LightWalk, NeedsNothingOfWhereTheObjectStoodBefore) {
+    const char* const pattern = "^(ab)?c=\\d{2,}cd";
+    ZelRegExpState* state = nullptr;
+    int size = 0;
+    int offset = 0;
+    ASSERT_EQ(zelsRegExpGetSize(pattern, &size), zelStatusOk);
+    ASSERT_EQ(zelsRegExpInitAlloc(pattern, "", &state, &offset), zelStatusOk);
+    auto* const copy = static_cast<ZelRegExpState*>(malloc(static_cast<size_t>(size)));
+    memcpy(copy, state, static_cast<size_t>(size));
+    memset(state, 0xAA, static_cast<size_t>(size));
+    EXPECT_EQ(walk(*copy, "abc=123cd"), zel::LightOutcome::kMatched);
+    EXPECT_EQ(walk(*copy, "abc=1cd"), zel::LightOutcome::kFailed);
+    free(copy);
+    zelsRegExpFree(state);
+}
+
+TEST(LightWalk, TakesNoProgramThatAnotherPatternLeftBehind) {
+    ZelRegExpState* state = nullptr;
+    int offset = 0;
+    for (const char* pattern : {"^(a|b)$(?#xxx)", "^?\\w+$(?#xxx)", "^\\w+?b*$(?#x)"}) {
+        ASSERT_EQ(zelsRegExpInitAlloc("^\\w+$(?#xxxxxxx)", "", &state, &offset), zelStatusOk);
+        ASSERT_NE(zel::findLightProgram(*state), nullptr);
+        ASSERT_EQ(zelsRegExpInit(pattern, "", state, &offset), zelStatusOk);
+        EXPECT_EQ(zel::findLightProgram(*state), nullptr) << pattern;
         zelsRegExpFree(state);
     }
 }

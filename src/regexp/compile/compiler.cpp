@@ -148,7 +148,7 @@ void Compiler::complete() {
             break;
         }
     }
-    char* text = reinterpret_cast<char*>(nodes_ + nodeCount_);
+    Zel8u* text = reinterpret_cast<Zel8u*>(nodes_ + nodeCount_);
     for (Node* node = nodes_; node != nodes_ + nodeCount_; ++node) {
         if (node->kind != NodeString) continue;
         const size_t length = static_cast<size_t>(node->count);

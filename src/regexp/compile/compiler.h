@@ -46,7 +46,7 @@ public:
     int trailingLiteral() const { return trailingLiteral_; }
     const Zel8u* errorAt() const { return errorAt_; }
     const Zel8u* patternEnd() const { return p_; }
-    char* textEnd() const { return textEnd_; }  // of the literals' text
+    Zel8u* textEnd() const { return textEnd_; }  // of the literals' text
 
 private:
     /// A group whose ")" has not been reached.
@@ -124,7 +124,7 @@ private:
     int nodeCount_;
     const Zel8u* p_;  // the next byte of the pattern
     const Zel8u* errorAt_ = nullptr;
-    char* textEnd_ = nullptr;
+    Zel8u* textEnd_ = nullptr;
     Zel32u flags_;
 
     // The pending literal run: one contiguous piece of the pattern that has no node yet. Bytes that

@@ -16,32 +16,6 @@ namespace {
 
 constexpr AsciiSet kNothing = {};
 constexpr AsciiSet kEverything = inverted(kNothing);
-constexpr AsciiSet kDigitNot = inverted(kAsciiDigits);
-constexpr AsciiSet kWordNot = inverted(kAsciiWords);
-constexpr AsciiSet kSpaceNot = inverted(kAsciiSpaces);
-constexpr AsciiSet kNewLineNot = inverted(kAsciiNewLine);
-
-/// The characters that a shorthand accepts.
-const AsciiSet& shorthandSet(int letter, bool dotAll) {
-    switch (letter) {
-        case 'd':
-            return kAsciiDigits;
-        case 'D':
-            return kDigitNot;
-        case 's':
-            return kAsciiSpaces;
-        case 'S':
-            return kSpaceNot;
-        case 'w':
-            return kAsciiWords;
-        case 'W':
-            return kWordNot;
-        case '.':
-            return dotAll ? kEverything : kNewLineNot;
-        default:
-            return kNothing;
-    }
-}
 
 class LightCompiler {
 public:
@@ -60,16 +34,26 @@ public:
         return missPrice_ < kTooDear && choices_ <= LightProgram::kMaxChoices;
     }
 
-    void write(char* to) const {
-        const auto nodes = static_cast<int>(nodesEnd_ - nodes_);
-        const LightProgram program = {LightProgram::kMark, static_cast<Zel8u>(setCount_),
-                                      static_cast<Zel8u>(missPrice_),
-                                      static_cast<Zel16u>(nodes + optionals_ * missPrice_)};
+    void write(Zel8u* to) const {
+        const LightProgram program = {0, LightProgram::kMark, static_cast<Zel8u>(setCount_),
+                                      static_cast<Zel8u>(shorthands_),
+                                      static_cast<Zel8u>(missPrice_)};
         const size_t sets = static_cast<size_t>(setCount_) * sizeof(AsciiSet);
         memcpy(to, &program, sizeof program);
         memcpy(to + sizeof program, sets_, sets);
-        memcpy(to + sizeof program + sets, operations_,
-               static_cast<size_t>(operationCount_) * sizeof(LightOperation));
+        to += sizeof program + sets;
+        for (int i = 0; i < operationCount_; ++i) {
+            const LightOperation& operation = operations_[i];
+            const int size = LightOperation::sizeOf(operation.kind);
+            if (size == LightOperation::kLargest) {
+                memcpy(to, &operation, LightOperation::kLargest);
+            } else {
+                to[0] = operation.kind;
+                if (size > 1) to[1] = operation.set;
+                if (size > 2) to[2] = operation.rest;
+            }
+            to += size;
+        }
     }
 
 private:
@@ -107,20 +91,28 @@ private:
                node.kind == NodeCharacterClass;
     }
 
-    LightOperation& emit(LightKind kind, int set = 0, int slot = 0, int min = 0, int max = 0) {
+    LightOperation& emit(LightKind kind, int set = 0, int rest = LightOperation::kAnything,
+                         int slot = 0, int min = 0, int max = 0) {
+        offsets_[operationCount_] = operationBytes_;
+        operationBytes_ += LightOperation::sizeOf(kind);
         LightOperation& operation = operations_[operationCount_++];
         operation = {kind,
                      static_cast<Zel8u>(set),
-                     LightOperation::kAnything,
+                     static_cast<Zel8u>(rest),
                      static_cast<Zel8u>(slot),
-                     static_cast<Zel16u>(min),
-                     static_cast<Zel16u>(max)};
+                     static_cast<Zel8u>(min),
+                     static_cast<Zel8u>(max)};
         return operation;
     }
 
     size_t size() const {
         return sizeof(LightProgram) + static_cast<size_t>(setCount_) * sizeof(AsciiSet) +
-               static_cast<size_t>(operationCount_) * sizeof(LightOperation);
+               static_cast<size_t>(operationBytes_);
+    }
+
+    const AsciiSet& setOf(int number) const {
+        const int shorthand = number - LightProgram::kFirstShorthand;
+        return shorthand < 0 ? sets_[number] : kShorthandSets[shorthand];
     }
 
     /// The number of a set in the program; -1 when there are too many.
@@ -128,9 +120,22 @@ private:
         for (int i = 0; i < setCount_; ++i) {
             if (sets_[i] == set) return i;
         }
-        if (setCount_ == LightProgram::kMaxSets) return -1;
+        if (setCount_ == LightProgram::kFirstShorthand) return -1;
         sets_[setCount_] = set;
         return setCount_++;
+    }
+
+    int numberOfShorthand(int letter) {
+        if (letter == '.' && dotAll_) return numberOf(kEverything);
+        const int shorthand = shorthandOf(letter);
+        shorthands_ |= 1u << shorthand;
+        return LightProgram::kFirstShorthand + shorthand;
+    }
+
+    static int shorthandOf(int letter) {
+        int i = 0;
+        while (kShorthandLetters[i] != letter) ++i;
+        return i;
     }
 
     // The first pass. The functions that translate nodes answer what is behind those, null when the
@@ -180,7 +185,7 @@ private:
     void translateLetter(int letter) {
         LightOperation* const last = operations_ + operationCount_ - 1;
         if (operationCount_ != 0 && lastTarget_ != operationCount_ && last->kind == kLightRun &&
-            letter < 0x80 && !sets_[last->set].has(static_cast<unsigned>(letter))) {
+            letter < 0x80 && !setOf(last->set).has(static_cast<unsigned>(letter))) {
             last->kind = kLightRunLetter;
             last->rest = static_cast<Zel8u>(letter);
             return;
@@ -191,8 +196,8 @@ private:
     const Node* translateText(const Node* node) {
         const ptrdiff_t offset =
             static_cast<const char*>(node->data) - reinterpret_cast<const char*>(nodesEnd_);
-        if (offset > 0xFFFF || node->count > 0xFFFF) return nullptr;
-        emit(kLightText, 0, 0, static_cast<int>(offset), node->count);
+        if (offset > 0xFF || node->count > 0xFF) return nullptr;
+        emit(kLightText, static_cast<int>(offset), node->count);
         return node + 1;
     }
 
@@ -227,26 +232,38 @@ private:
     }
 
     bool readAtom(const Node* node, Atom& atom) {
-        AsciiSet set = {};
-        const Node* behind = node + 1;
-        if (node->kind != NodeCharacterClass) {
-            addMember(*node, set);
+        atom = {-1, 1, 1, false, node + 1};
+        if (node->kind == NodeLetterRange) {
+            atom.set = numberOfShorthand(node->value);
         } else {
-            for (const Node* const end = behind + node->count; behind != end; ++behind) {
-                if (behind->extra != 0 || !addMember(*behind, set)) return false;
-            }
-            if (node->value < 0) set.invert();
-        }
-        atom = {numberOf(set), 1, 1, false, behind};
-        if (isQuantifierAt(behind)) {
-            atom = {atom.set, behind->value, behind->count, behind->kind == NodeQuantifierMin,
-                    behind + 1};
-            if (atom.min < 0 || atom.max < atom.min || atom.min >= LightOperation::kNoLimit)
+            AsciiSet set = {};
+            if (node->kind == NodeLetter) {
+                addMember(*node, set);
+            } else if (!readClass(*node, set)) {
                 return false;
-            if (atom.max > LightOperation::kNoLimit) atom.max = LightOperation::kNoLimit;
+            } else {
+                atom.behind += node->count;
+            }
+            atom.set = numberOf(set);
+        }
+        if (isQuantifierAt(atom.behind)) {
+            const Node& repeat = *atom.behind++;
+            atom.min = repeat.value;
+            atom.max =
+                repeat.count < LightOperation::kNoLimit ? repeat.count : LightOperation::kNoLimit;
+            atom.isLazy = repeat.kind == NodeQuantifierMin;
+            if (atom.min < 0 || atom.max < atom.min) return false;
             if (atom.isLazy && mayMissWhatFollows(*node, atom.behind)) return false;
         }
         return atom.set >= 0;
+    }
+
+    bool readClass(const Node& head, AsciiSet& set) const {
+        for (const Node* member = &head + 1; member <= &head + head.count; ++member) {
+            if (member->extra != 0 || !addMember(*member, set)) return false;
+        }
+        if (head.value < 0) set.invert();
+        return true;
     }
 
     bool addMember(const Node& node, AsciiSet& set) const {
@@ -255,8 +272,8 @@ private:
                 if ((node.value & 0x80) == 0) set.add(static_cast<Zel8u>(node.value));
                 return true;
             case NodeLetterRange:
-                set.addAll(shorthandSet(node.value, dotAll_));
-                return true;
+                set.addAll(kShorthandSets[shorthandOf(node.value)]);
+                return node.value != '.';
             case NodeRange:  // the ends are unsigned
                 set.addRange(static_cast<unsigned>(node.value), static_cast<unsigned>(node.count));
                 return static_cast<unsigned>(node.count) < 0x100;
@@ -277,7 +294,7 @@ private:
         const bool isOne = atom.min == 1 && atom.max == 1 && slot == 0;
         const LightKind lazy = node.kind == NodeCharacterClass ? kLightLazy : kLightRaising;
         const LightKind kind = atom.isLazy ? lazy : isOne ? kLightOne : kLightRun;
-        emit(kind, atom.set, slot, atom.min, atom.max);
+        emit(kind, atom.set, LightOperation::kAnything, slot, atom.min, atom.max);
     }
 
     const Node* openGroup(const Node* node) {
@@ -291,7 +308,6 @@ private:
             if (repeat.kind != NodeQuantifierMax || repeat.count != 1) return nullptr;
             if (repeat.value == 0) {
                 group.optional = operationCount_;
-                ++optionals_;
                 if (!noteCaptures(node, close, emit(kLightOptional))) return nullptr;
             }
         }
@@ -304,7 +320,7 @@ private:
                 return close;
             }
         }
-        if (slot != 0) emit(kLightOpen, 0, slot);
+        if (slot != 0) emit(kLightOpen, slot);
         return node + 1;
     }
 
@@ -323,10 +339,12 @@ private:
     const Node* closeGroup(const Node* node) {
         if (depth_ == 0 || groups_[depth_ - 1].close != node) return nullptr;
         const OpenGroup& group = groups_[--depth_];
-        if (group.slot != 0) emit(kLightClose, 0, group.slot);
+        if (group.slot != 0) emit(kLightClose, group.slot);
         if (group.optional >= 0) {
-            operations_[group.optional].min = static_cast<Zel16u>(operationCount_);
-            lastTarget_ = operationCount_;
+            const int distance = operationBytes_ - offsets_[group.optional];
+            if (distance > 0xFF) return nullptr;
+            operations_[group.optional].min = static_cast<Zel8u>(distance);
+            targets_[group.optional] = lastTarget_ = operationCount_;
         }
         return isQuantifierAt(node + 1) ? node + 2 : node + 1;
     }
@@ -344,10 +362,10 @@ private:
                     here = beginningWith(operation.set);
                     break;
                 case kLightText:
-                    here = beginningWith(reinterpret_cast<const Zel8u*>(nodesEnd_)[operation.min]);
+                    here = beginningWith(reinterpret_cast<const Zel8u*>(nodesEnd_)[operation.set]);
                     break;
                 case kLightOne:
-                    here = {sets_[operation.set], 1, false, false};
+                    here = {setOf(operation.set), 1, false, false};
                     break;
                 case kLightRunLetter:
                     beginRun(operation, beginningWith(operation.rest), here);
@@ -359,7 +377,7 @@ private:
                     decideRun(operation, *next);
                     break;
                 case kLightOptional:
-                    decideOptional(operation, *next, beginnings[operation.min], here);
+                    decideOptional(operation, *next, beginnings[targets_[i]], here);
                     break;
                 case kLightEnd:
                 case kLightEndMatch:
@@ -391,7 +409,7 @@ private:
 
     void beginRun(const LightOperation& operation, const Beginning& next, Beginning& here) {
         note(next.price + 1);
-        here = {sets_[operation.set], operation.slot == 0 ? 1 : 3, false, false};
+        here = {setOf(operation.set), operation.slot == 0 ? 1 : 3, false, false};
         if (operation.min != 0) return;
         here.set.addAll(next.set);
         here.price += next.price;
@@ -402,7 +420,7 @@ private:
     void decideRun(LightOperation& operation, const Beginning& next) {
         if (operation.kind == kLightRun) {
             if (operation.min == operation.max || next.cannotFail ||
-                disjoint(sets_[operation.set], next.set))
+                disjoint(setOf(operation.set), next.set))
                 return;
             operation.kind = kLightGiving;
         }
@@ -421,7 +439,8 @@ private:
         if (!body.mayBeNothing) operation.rest = beginningOf(body);
         const LightOperation& first = (&operation)[1];
         const bool isTested = operation.rest != LightOperation::kAnything;
-        operation.max = isTested && (first.kind == kLightLetter || first.kind == kLightOne);
+        if (isTested && (first.kind == kLightLetter || first.kind == kLightOne))
+            operation.max = LightOperation::sizeOf(first.kind);
         if (isTested && disjoint(body.set, behind.set)) return;
         operation.kind = kLightTrying;
         ++choices_;
@@ -430,8 +449,14 @@ private:
     /// The number of the set that something can begin with, when that is of any use and there is
     /// room for it.
     Zel8u beginningOf(const Beginning& beginning) {
-        if (beginning.set == kEverything || size() + sizeof(AsciiSet) > room_)
-            return LightOperation::kAnything;
+        if (beginning.set == kEverything) return LightOperation::kAnything;
+        for (int i = 0; i < kShorthands; ++i) {
+            if (beginning.set == kShorthandSets[i]) {
+                shorthands_ |= 1u << i;
+                return static_cast<Zel8u>(LightProgram::kFirstShorthand + i);
+            }
+        }
+        if (size() + sizeof(AsciiSet) > room_) return LightOperation::kAnything;
         const int number = numberOf(beginning.set);
         return number < 0 ? LightOperation::kAnything : static_cast<Zel8u>(number);
     }
@@ -447,32 +472,32 @@ private:
     const bool dotAll_;
 
     int operationCount_ = 0;
+    int operationBytes_ = 0;  // what they take in the program
     int setCount_ = 0;
+    unsigned shorthands_ = 0;
     int depth_ = 0;
-    int optionals_ = 0;
     int lastTarget_ = -1;  // the last operation that a group passed over leads to
     int missPrice_ = 0;
     int choices_ = 0;
     OpenGroup groups_[kMaxDepth];
-    AsciiSet sets_[LightProgram::kMaxSets];
+    AsciiSet sets_[LightProgram::kFirstShorthand];
     LightOperation operations_[kMaxOperations];
+    int offsets_[kMaxOperations];  // of the operations among each other, in bytes
+    int targets_[kMaxOperations];  // the operations that optional groups lead to
 };
 
 }  // namespace
 
-void addLightProgram(ZelRegExpState& state, char* textEnd, long nodeRoom) {
+void addLightProgram(ZelRegExpState& state, Zel8u* textEnd, long nodeRoom) {
     if (!mayHaveLightProgram(state)) return;
-    char* const nodesStart = reinterpret_cast<char*>(state.nodes());
-    const size_t used = static_cast<size_t>(textEnd - nodesStart);
-    const size_t start = (used + 7) / 8 * 8;
-    const size_t end = static_cast<size_t>(nodeRoom) * sizeof(Node);
-    memset(textEnd, 0, start + sizeof(LightProgram) - used);
+    textEnd[0] = textEnd[1] = 0;
     const Node& first = state.nodes()[0];
     const bool isAnchored = first.value == 'A' || first.value == 'G' ||
                             (first.value == '^' && (state.options & kOptionMultiLine) == 0);
     if (!isAnchored || (state.options & (kOptionIgnoreCase | kOptionGlobal)) != 0) return;
-    LightCompiler compiler(state, end - start);
-    if (compiler.compile()) compiler.write(nodesStart + start);
+    const auto* end = reinterpret_cast<const Zel8u*>(state.nodes() + nodeRoom);
+    LightCompiler compiler(state, static_cast<size_t>(end - textEnd));
+    if (compiler.compile()) compiler.write(textEnd);
 }
 
 }  // namespace zel

@@ -19,9 +19,15 @@ constexpr bool holdsTheSame(const AsciiSet& set, const ByteSet& bytes) {
     }
     return true;
 }
-static_assert(holdsTheSame(kAsciiDigits, kDigitBytes));
-static_assert(holdsTheSame(kAsciiWords, kWordBytes));
-static_assert(holdsTheSame(kAsciiSpaces, kSpaceBytes));
+constexpr bool shorthandsHoldTheSame() {
+    for (int i = 0; i < kShorthands; ++i) {
+        if (!holdsTheSame(kShorthandSets[i], shorthandBytes(kShorthandLetters[i], 0))) return false;
+    }
+    return true;
+}
+static_assert(shorthandsHoldTheSame());
+static_assert(LightProgram::kFirstShorthand == kernels::AsciiSets::kFirstShared);
+static_assert(LightOperation::kNoLimit == kernels::TextMasks::kMaxLength);
 
 // Whoever goes back more often is better served by the engine, which gives back with more care.
 constexpr int kMostReturns = 100;
@@ -124,11 +130,12 @@ private:
     static constexpr int kFailed = -1;
 
     /// Whether the budget suffices for all that the engine may have spent: for each line that was
-    /// taken, the nodes on it, what its runs give back in vain, and what was passed over where it
-    /// began.
+    /// taken, the nodes on it with the groups that could have been passed over, what its runs give
+    /// back in vain, and what was passed over where it began.
     bool affords() const {
-        const int passed = 2 * (length_ + 1) * program_.missPrice;
-        return (returns_ + 1) * (program_.pathPrice + passed) <= state_.matchLimit;
+        const int line =
+            state_.nodeCount + (state_.nodeCount + 2 * (length_ + 1)) * program_.missPrice;
+        return (returns_ + 1) * line <= state_.matchLimit;
     }
     void push(const LightOperation& operation, int position, int start) {
         choices_[top_++] = {&operation, position, start};
@@ -174,24 +181,28 @@ template <bool kOneWord>
 int LightWalk<kOneWord>::takeLine(Place place) {
     int position = place.position;
     for (const LightOperation* next = place.operation;;) {
-        const LightOperation& operation = *next++;
+        const LightOperation& operation = *next;
         switch (operation.kind) {
             case kLightLetter:
                 if (position == length_ || text_[position] != operation.set) return kFailed;
                 ++position;
+                next = operation.behind<kLightLetter>();
                 break;
             case kLightText:
                 if (!isText(operation, position)) return kFailed;
-                position += operation.max;
+                position += operation.rest;
+                next = operation.behind<kLightText>();
                 break;
             case kLightOne:
                 if (!members_.has(operation.set, position)) return kFailed;
                 ++position;
+                next = operation.behind<kLightOne>();
                 break;
             case kLightRun: {
                 const int length = takeRun(operation, position);
                 if (length < operation.min) return kFailed;
                 position += length;
+                next = operation.behind<kLightRun>();
                 break;
             }
             case kLightRunLetter: {
@@ -200,6 +211,7 @@ int LightWalk<kOneWord>::takeLine(Place place) {
                 position += length;
                 if (position == length_ || text_[position] != operation.rest) return kFailed;
                 ++position;
+                next = operation.behind<kLightRunLetter>();
                 break;
             }
             case kLightGiving: {
@@ -207,6 +219,7 @@ int LightWalk<kOneWord>::takeLine(Place place) {
                 if (length < operation.min) return kFailed;
                 if (length > operation.min) push(operation, position + length, position);
                 position += length;
+                next = operation.behind<kLightGiving>();
                 break;
             }
             case kLightLazy:
@@ -219,6 +232,7 @@ int LightWalk<kOneWord>::takeLine(Place place) {
                     !members_.has(operation.rest, position))
                     return kFailed;
                 capture(operation.slot, start, position);
+                next = operation.behind<kLightLazy>();
                 break;
             }
             case kLightOptional:
@@ -229,15 +243,20 @@ int LightWalk<kOneWord>::takeLine(Place place) {
                     break;
                 }
                 if (operation.kind == kLightTrying) push(operation, position, position);
-                position += operation.max;
-                next += operation.max;
+                next = operation.behind<kLightOptional>();
+                if (operation.max != 0) {
+                    ++position;
+                    next = next->further(operation.max);
+                }
                 break;
             case kLightOpen:
-                captures_[operation.slot].text = text_ + position;
+                captures_[operation.set].text = text_ + position;
+                next = operation.behind<kLightOpen>();
                 break;
             case kLightClose: {
-                CaptureRecord& record = captures_[operation.slot];
+                CaptureRecord& record = captures_[operation.set];
                 record.length = static_cast<int>(text_ + position - record.text);
+                next = operation.behind<kLightClose>();
                 break;
             }
             case kLightEndMatch:
@@ -250,6 +269,7 @@ int LightWalk<kOneWord>::takeLine(Place place) {
             case kLightBoundary:
             case kLightInside:
                 if (!holds(operation, position)) return kFailed;
+                next = operation.behind<kLightEnd>();
                 break;
             default:
                 __builtin_unreachable();
@@ -277,18 +297,18 @@ bool LightWalk<kOneWord>::holds(const LightOperation& operation, int position) c
 template <bool kOneWord>
 bool LightWalk<kOneWord>::isText(const LightOperation& operation, int position) const {
     const auto* literal =
-        reinterpret_cast<const Zel8u*>(state_.nodes() + state_.nodeCount) + operation.min;
+        reinterpret_cast<const Zel8u*>(state_.nodes() + state_.nodeCount) + operation.set;
     const int left = length_ - position;
     const Zel8u* text = text_ + position;
-    if (left < operation.max) return false;
-    if (left >= 8 && operation.max <= 8) {  // there are so many bytes behind all literals, too
+    if (left < operation.rest) return false;
+    if (left >= 8 && operation.rest <= 8) {  // there are so many bytes behind all literals, too
         uint64_t a;
         uint64_t b;
         __builtin_memcpy(&a, text, sizeof a);
         __builtin_memcpy(&b, literal, sizeof b);
-        return (a ^ b) << (64 - 8 * operation.max) == 0;
+        return (a ^ b) << (64 - 8 * operation.rest) == 0;
     }
-    return memcmp(text, literal, operation.max) == 0;
+    return memcmp(text, literal, operation.rest) == 0;
 }
 
 /// Finds the place from which to go on another way; false when there is none left, and the choice
@@ -320,7 +340,7 @@ bool LightWalk<kOneWord>::giveBack(Choice& choice, Place& place) {
     if (position < low) return false;
     choice.position = position;
     capture(operation.slot, choice.start, position);
-    place = {&operation + 1, position};
+    place = {operation.behind<kLightGiving>(), position};
     return true;
 }
 
@@ -341,7 +361,7 @@ bool LightWalk<kOneWord>::stretch(Choice& choice, Place& place) {
         position = members_.next(operation.rest, position, last);
     choice.position = position;
     capture(operation.slot, choice.start, position);
-    place = {&operation + 1, position};
+    place = {operation.behind<kLightLazy>(), position};
     return true;
 }
 
@@ -349,7 +369,7 @@ bool LightWalk<kOneWord>::stretch(Choice& choice, Place& place) {
 template <bool kOneWord>
 const LightOperation* LightWalk<kOneWord>::passOver(const LightOperation& group) {
     for (int i = 0; i < group.set; ++i) captures_[group.slot + i] = {nullptr, -1};
-    return program_.operations() + group.min;
+    return group.further(group.min);
 }
 
 }  // namespace
@@ -363,16 +383,16 @@ const LightProgram* findLightProgramBehind(const Zel8u* text) {
         zeros = static_cast<unsigned>(_mm_movemask_epi8(isZero));
         if (zeros != 0) break;
     }
-    length += __builtin_ctz(zeros);
-    return reinterpret_cast<const LightProgram*>(text + (length + 7) / 8 * 8);
+    return reinterpret_cast<const LightProgram*>(text + length + __builtin_ctz(zeros));
 }
 
 LightOutcome walkLightly(const LightProgram& program, const ZelRegExpState& state,
                          const Zel8u* text, int length, CaptureRecord* captures) {
+    const kernels::AsciiSets sets = {program.sets(), program.setCount,
+                                     reinterpret_cast<const Zel8u*>(kShorthandSets),
+                                     program.shorthands};
     kernels::TextMasks masks;
-    if (length > kernels::TextMasks::kMaxLength ||
-        !kernels::maskAscii(text, length, reinterpret_cast<const Zel8u*>(program.sets()),
-                            program.setCount, &masks))
+    if (length > kernels::TextMasks::kMaxLength || !kernels::maskAscii(text, length, &sets, &masks))
         return LightOutcome::kNotKnown;
     if (length < 64) return LightWalk<true>(program, state, text, length, masks, captures).run();
     return LightWalk<false>(program, state, text, length, masks, captures).run();

@@ -114,8 +114,8 @@ int collectRunsOf(const Zel8u* p, int len, const uint64_t* set, ZelRegExpFind* r
     return collectRuns(p, len, set, runs, capacity, resume);
 }
 
-bool maskAscii(const Zel8u* p, int len, const Zel8u* sets, int count, kernels::TextMasks* masks) {
-    return maskAsciiSets(p, len, sets, count, *masks);
+bool maskAscii(const Zel8u* p, int len, const kernels::AsciiSets* sets, kernels::TextMasks* masks) {
+    return maskAsciiSets(p, len, *sets, *masks);
 }
 
 int collectLiterals(const Zel8u* p, int len, const kernels::LiteralSet* set, ZelRegExpFind* matches,

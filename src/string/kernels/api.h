@@ -141,17 +141,26 @@ int64_t boundRuns(const Zel8u* p, int len, const uint64_t* set);
 int collectRunsOf(const Zel8u* p, int len, const uint64_t* set, ZelRegExpFind* runs, int capacity,
                   int* resume);
 
-/// Which bytes of a short text are in which of some sets: bit i & 63 of words[i >> 6][s] for byte i
-/// and set s. The bit behind the last byte is zero.
+/// Sets of ASCII characters, 16 bytes each: bit c >> 4 of byte c & 15 says whether c is a member.
+/// Those at `own` have the numbers from 0 on. Of those at `shared`, whose numbers begin with
+/// kFirstShared, only the ones in the bits of `which` are used.
+struct AsciiSets {
+    static constexpr int kFirstShared = 9;
+    const Zel8u* own;
+    int count;  // of one's own
+    const Zel8u* shared;
+    unsigned which;
+};
+/// Which bytes of a short text are in which sets: bit i & 63 of words[i >> 6][s] for byte i and
+/// set s. The bit behind the last byte is zero.
 struct TextMasks {
     static constexpr int kWords = 4;
     static constexpr int kMaxLength = 64 * kWords - 1;
     static constexpr int kMaxSets = 16;
     uint64_t words[kWords][kMaxSets];
 };
-/// Writes the masks of a text of up to kMaxLength ASCII bytes, for `count` sets of 16 bytes: bit
-/// c >> 4 of byte c & 15 says whether c is a member. False when the text holds other bytes.
-bool maskAscii(const Zel8u* p, int len, const Zel8u* sets, int count, TextMasks* masks);
+/// Writes the masks of a text of up to kMaxLength bytes. False when they are not all ASCII.
+bool maskAscii(const Zel8u* p, int len, const AsciiSets* sets, TextMasks* masks);
 
 /// The work of ownsCopy_8u and ownsZero_8u of core/memory.h, which say what it is.
 void copyBytes(const Zel8u* src, Zel8u* dst, ptrdiff_t n);

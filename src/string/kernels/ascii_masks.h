@@ -80,7 +80,7 @@ struct AsciiText {
 
 #endif
 
-ZEL_INLINE bool maskAsciiSets(const Zel8u* p, int len, const Zel8u* sets, int count,
+ZEL_INLINE bool maskAsciiSets(const Zel8u* p, int len, const kernels::AsciiSets& sets,
                               kernels::TextMasks& masks) {
     uint64_t(*words)[kernels::TextMasks::kMaxSets] = masks.words;
     for (;; p += 64, len -= 64, ++words) {
@@ -88,7 +88,13 @@ ZEL_INLINE bool maskAsciiSets(const Zel8u* p, int len, const Zel8u* sets, int co
         const AsciiText text(p, n);
         if (!text.isAscii()) return false;
         const uint64_t inText = lowBits(n);
-        for (int i = 0; i < count; ++i) (*words)[i] = text.membersOf(sets + 16 * i) & inText;
+        for (int i = 0; i < sets.count; ++i)
+            (*words)[i] = text.membersOf(sets.own + 16 * i) & inText;
+        for (unsigned left = sets.which; left != 0; left &= left - 1) {
+            const int i = countTrailingZeros(left);
+            (*words)[kernels::AsciiSets::kFirstShared + i] =
+                text.membersOf(sets.shared + 16 * i) & inText;
+        }
         if (len < 64) return true;
     }
 }
