@@ -1,9 +1,8 @@
 // UTF-8 to UTF-16 and back. Blocks of ordinary text are converted as such; everything else follows
 // the decode rule of utf8.h one character at a time, for a while. The way the loops end, with a
 // test for exactly zero, is part of the interface.
-#include "string/utf_convert.h"
-
 #include "core/checks.h"
+#include "string/kernels/short_ascii.h"
 #include "string/kernels/utf16_to_8.h"
 #include "string/kernels/utf8_to_16.h"
 #include "string/utf8.h"
@@ -72,22 +71,14 @@ ZEL_INLINE bool convertCharacter(To8& at) {
     return putUtf8<3>(at, unit, 1);
 }
 
+// What is not over at once has functions of its own, so that the exported ones need no stack.
+
+// Ends when the source or the room is exactly used up; nothing else stops it. A pair that is
+// written into one unit of room, or a sequence that is longer than the rest of the source, passes
+// over that end, and the conversion then runs on to the other one.
 template <bool swapBytes>
-Converted convert16To8(const Zel16u* src, int srcLen, Zel8u* dst, int dstLen) {
-    To8 at = {src, srcLen, dst, dstLen};
-    bool fits = true;
-    while (fits && !at.isAtEnd()) {
-        at = convertBlocks<swapBytes>(at);
-        const Zel16u* const resume = at.src + kStretch;
-        while (fits && !at.isAtEnd() && at.src < resume) fits = convertCharacter<swapBytes>(at);
-    }
-    return {static_cast<int>(srcLen - at.remaining), static_cast<int>(dstLen - at.room)};
-}
-
-}  // namespace
-
-Converted convertUtf8To16(const Zel8u* src, int srcLen, Zel16u* dst, int dstLen, bool swapBytes) {
-    To16 at = {src, srcLen, dst, dstLen};
+[[gnu::noinline]] ZelStatus convertTo16(const Zel8u* src, int* srcLen, Zel16u* dst, int* dstLen) {
+    To16 at = {src, *srcLen, dst, *dstLen};
     while (!at.isAtEnd()) {
         // Swapped units are no ordinary text.
         if (!swapBytes) at = convertBlocks(at);
@@ -97,29 +88,45 @@ Converted convertUtf8To16(const Zel8u* src, int srcLen, Zel16u* dst, int dstLen,
             at.advance(c.length, putUtf16(c.value, at.dst, swapBytes));
         }
     }
-    return {static_cast<int>(srcLen - at.remaining), static_cast<int>(dstLen - at.room)};
+    *srcLen = static_cast<int>(*srcLen - at.remaining);
+    *dstLen = static_cast<int>(*dstLen - at.room);
+    return zelStatusOk;
 }
 
-Converted convertUtf16To8(const Zel16u* src, int srcLen, Zel8u* dst, int dstLen, bool swapBytes) {
-    return swapBytes ? convert16To8<true>(src, srcLen, dst, dstLen)
-                     : convert16To8<false>(src, srcLen, dst, dstLen);
+// Ends when the source is used up or the next character does not fit.
+template <bool swapBytes>
+[[gnu::noinline]] ZelStatus convertTo8(const Zel16u* src, int* srcLen, Zel8u* dst, int* dstLen) {
+    To8 at = {src, *srcLen, dst, *dstLen};
+    bool fits = true;
+    while (fits && !at.isAtEnd()) {
+        at = convertBlocks<swapBytes>(at);
+        const Zel16u* const resume = at.src + kStretch;
+        while (fits && !at.isAtEnd() && at.src < resume) fits = convertCharacter<swapBytes>(at);
+    }
+    *srcLen = static_cast<int>(*srcLen - at.remaining);
+    *dstLen = static_cast<int>(*dstLen - at.room);
+    return zelStatusOk;
 }
+
+}  // namespace
 
 ZelStatus zelsConvertUTF_8u16u(const Zel8u* pSrc, int* pSrcLen, Zel16u* pDst, int* pDstLen,
                                int swapBytes) {
     if (anyNull(pSrc, pSrcLen, pDst, pDstLen)) return zelStatusNullPointer;
-    const Converted done = convertUtf8To16(pSrc, *pSrcLen, pDst, *pDstLen, swapBytes != 0);
-    *pSrcLen = done.consumed;
-    *pDstLen = done.written;
+    if (swapBytes != 0) return convertTo16<true>(pSrc, pSrcLen, pDst, pDstLen);
+    if (!convertShortAscii(pSrc, *pSrcLen, pDst, *pDstLen))
+        return convertTo16<false>(pSrc, pSrcLen, pDst, pDstLen);
+    *pDstLen = *pSrcLen;
     return zelStatusOk;
 }
 
 ZelStatus zelsConvertUTF_16u8u(const Zel16u* pSrc, int* pSrcLen, Zel8u* pDst, int* pDstLen,
                                int swapBytes) {
     if (anyNull(pSrc, pSrcLen, pDst, pDstLen)) return zelStatusNullPointer;
-    const Converted done = convertUtf16To8(pSrc, *pSrcLen, pDst, *pDstLen, swapBytes != 0);
-    *pSrcLen = done.consumed;
-    *pDstLen = done.written;
+    if (swapBytes != 0) return convertTo8<true>(pSrc, pSrcLen, pDst, pDstLen);
+    if (!convertShortAscii(pSrc, *pSrcLen, pDst, *pDstLen))
+        return convertTo8<false>(pSrc, pSrcLen, pDst, pDstLen);
+    *pDstLen = *pSrcLen;
     return zelStatusOk;
 }
 
