@@ -17,10 +17,23 @@ template <typename Fold, typename T>
 }
 
 template <typename Fold, typename T>
+[[gnu::noinline]] ZelStatus compareFolded(const T* src1, const T* src2, int len, int* result) {
+    *result = compareShort<Fold>(src1, src2, len);
+    return zelStatusOk;
+}
+
+template <typename Fold, typename T>
 ZEL_INLINE ZelStatus compare(const T* src1, const T* src2, int len, int* result) {
     if (!isShortCall(Vec<T>::kLanes, len, src1, src2, result)) [[unlikely]]
         return compareOtherwise<Fold>(src1, src2, len, result);
-    *result = compareShort<Fold>(src1, src2, len);
+    const Mask<T> differ = differFirst(src1, src2, len);
+    if constexpr (Fold::kIsExact) {
+        const int i = differ.first();
+        *result = differ.any() ? src1[i] - src2[i] : 0;
+    } else {
+        if (differ.any()) return compareFolded<Fold>(src1, src2, len, result);
+        *result = 0;
+    }
     return zelStatusOk;
 }
 

@@ -119,13 +119,10 @@ ZEL_INLINE ptrdiff_t firstDifferenceLong(const T* a, const T* b, ptrdiff_t len, 
 /// else 0.
 template <typename Fold, typename T>
 ZEL_INLINE int compareShort(const T* a, const T* b, int len) {
-    Mask<T> differ = differFirst(a, b, len);
-    if (!differ.any()) return 0;
     Fold fold;
-    if constexpr (!Fold::kIsExact) {
-        differ = fold.differences(Vec<T>::loadFirst(a, len), Vec<T>::loadFirst(b, len)).mask();
-        if (!differ.any()) return 0;
-    }
+    const Mask<T> differ =
+        fold.differences(Vec<T>::loadFirst(a, len), Vec<T>::loadFirst(b, len)).mask();
+    if (!differ.any()) return 0;
     const int i = differ.first();
     return fold.minus(a[i], b[i]);
 }
