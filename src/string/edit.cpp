@@ -16,8 +16,7 @@ ZEL_INLINE ZelStatus insert(const T* src, int len, const T* inserted, int lenIns
     if (anyNegative(len, lenInsert, start) || start > len) return zelStatusLengthError;
     // An empty insertion leaves the destination alone; it does not even receive the source.
     if (lenInsert == 0) return zelStatusOk;
-    insertElements(src, len, inserted, lenInsert, dst, start);
-    return zelStatusOk;
+    return insertElements(src, len, inserted, lenInsert, dst, start);
 }
 
 template <typename T>
@@ -41,8 +40,7 @@ template <typename T>
 ZEL_INLINE ZelStatus remove(const T* src, int len, T* dst, int start, int lenRemove) {
     if (anyNull(src, dst)) return zelStatusNullPointer;
     if (!isRange(start, lenRemove, len)) return zelStatusLengthError;
-    removeElements(src, len, dst, start, lenRemove);
-    return zelStatusOk;
+    return removeElements(src, len, dst, start, lenRemove);
 }
 
 template <typename T>

@@ -74,23 +74,79 @@ ZEL_INLINE bool joinShort(Vec<T>, const T*, int, T*) {
 
 #endif
 
-/// Writes src[0..start), insert, src[start..len) to dst, which may be src. The tail moves first, so
-/// that an insertion in place does not overwrite it.
+// The more a call may have to do, the more it has to set up. So what does not fit a register goes
+// on to a function that copies short parts, and from there long ones to another. All of them answer
+// zelStatusOk, which a caller passes on without coming back.
+
+/// Whether copyShort copies the part as copyElements does.
 template <typename T>
-ZEL_INLINE void insertElements(const T* src, int len, const T* insert, int lenInsert, T* dst,
-                               int start) {
-    if (insertShort(src, len, insert, lenInsert, dst, start)) return;
+ZEL_INLINE bool isShortCopy(const T* src, const T* dst, ptrdiff_t n) {
+    const ptrdiff_t bytes = n * static_cast<ptrdiff_t>(sizeof(T));
+    return bytes <= kShortBlock && !repeats(reinterpret_cast<const Zel8u*>(src),
+                                            reinterpret_cast<const Zel8u*>(dst), bytes);
+}
+template <typename T>
+ZEL_INLINE void copyShort(const T* src, T* dst, ptrdiff_t n) {
+    moveShort(reinterpret_cast<const Zel8u*>(src), reinterpret_cast<Zel8u*>(dst),
+              n * static_cast<ptrdiff_t>(sizeof(T)));
+}
+
+template <typename T>
+[[gnu::noinline]] ZelStatus insertLong(const T* src, int len, const T* insert, int lenInsert,
+                                       T* dst, int start) {
     copyElements(src, dst, start);
     moveElements(src + start, dst + start + lenInsert, len - start);
     copyElements(insert, dst + start, lenInsert);
+    return zelStatusOk;
+}
+
+template <typename T>
+[[gnu::noinline]] ZelStatus insertMedium(const T* src, int len, const T* insert, int lenInsert,
+                                         T* dst, int start) {
+    const ptrdiff_t lenTail = len - start;
+    if (!isShortCopy(src, dst, start) || !isShortCopy(insert, dst + start, lenInsert) ||
+        lenTail * static_cast<ptrdiff_t>(sizeof(T)) > kShortBlock) [[unlikely]]
+        return insertLong(src, len, insert, lenInsert, dst, start);
+    copyShort(src, dst, start);
+    copyShort(src + start, dst + start + lenInsert, lenTail);
+    copyShort(insert, dst + start, lenInsert);
+    return zelStatusOk;
+}
+
+template <typename T>
+[[gnu::noinline]] ZelStatus removeLong(const T* src, int len, T* dst, int start, int lenRemove) {
+    copyElements(src, dst, start);
+    copyElements(src + start + lenRemove, dst + start, len - start - lenRemove);
+    return zelStatusOk;
+}
+
+template <typename T>
+[[gnu::noinline]] ZelStatus removeMedium(const T* src, int len, T* dst, int start, int lenRemove) {
+    const T* const tail = src + start + lenRemove;
+    const int lenTail = len - start - lenRemove;
+    if (!isShortCopy(src, dst, start) || !isShortCopy(tail, dst + start, lenTail)) [[unlikely]]
+        return removeLong(src, len, dst, start, lenRemove);
+    copyShort(src, dst, start);
+    copyShort(tail, dst + start, lenTail);
+    return zelStatusOk;
+}
+
+/// Writes src[0..start), insert, src[start..len) to dst, which may be src. The tail moves first, so
+/// that an insertion in place does not overwrite it.
+template <typename T>
+ZEL_INLINE ZelStatus insertElements(const T* src, int len, const T* insert, int lenInsert, T* dst,
+                                    int start) {
+    if (insertShort(src, len, insert, lenInsert, dst, start)) [[likely]]
+        return zelStatusOk;
+    return insertMedium(src, len, insert, lenInsert, dst, start);
 }
 
 /// Writes src[0..start), src[start + lenRemove..len) to dst, which may be src.
 template <typename T>
-ZEL_INLINE void removeElements(const T* src, int len, T* dst, int start, int lenRemove) {
-    if (removeShort(src, len, dst, start, lenRemove)) return;
-    copyElements(src, dst, start);
-    copyElements(src + start + lenRemove, dst + start, len - start - lenRemove);
+ZEL_INLINE ZelStatus removeElements(const T* src, int len, T* dst, int start, int lenRemove) {
+    if (removeShort(src, len, dst, start, lenRemove)) [[likely]]
+        return zelStatusOk;
+    return removeMedium(src, len, dst, start, lenRemove);
 }
 
 /// Writes the delimiter and a piece, and answers the end of what was written.
