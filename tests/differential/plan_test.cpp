@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "random.h"
+#include "regexp/match/enclosed_run.h"
 #include "regexp/match/one_way.h"
 #include "regexp/match/plain_literals.h"
 #include "regexp/match/plan.h"
@@ -159,6 +160,26 @@ const char* const kSequences[] = {"[\\x{3B1}-\\x{3C9}\xC3\xA9]+",
                                   "\\p{C}",
                                   "[a-\xC3\xA9]"};
 
+// A run of bytes behind a literal, and perhaps one that ends it; the last ones are more than that,
+// or such that longer characters may make a difference.
+struct EnclosedCase {
+    const char* pattern;
+    const char* options;
+    bool isRead;
+};
+const EnclosedCase kEnclosed[] = {
+    {"signal[a-z]+", "", true},     {"ab[^b]*b", "", true},
+    {"ab\\w*", "", true},           {"xx.*?b", "", true},
+    {"ab.+?a", "", true},           {"er.*", "", true},
+    {"wo[a-z]+ wo", "", true},      {"\xC3\xA9[^ ]+ ", "", true},
+    {"ab[abc]*=", "", true},        {"x[a-z1]+", "", false},
+    {"signal[a-z]+", "i", false},   {"ab\\w{2,}", "", false},
+    {"ab\\w+?", "", false},         {"ab\\w+=", "", false},
+    {"xx.*?ab", "", false},         {"ab[a-z]+b", "", false},
+    {"ab([a-z]+)", "", false},      {"ab[a-z]+=\\d", "", false},
+    {"ab[a-z]+|signal", "", false}, {"ab[a-z\xC3\xA9]+", "", false},
+};
+
 const char* const kFragments[] = {"signal",
                                   "signals",
                                   "SIGNAL",
@@ -280,6 +301,27 @@ TEST(Plan, SearchesAgreeWithTheModelOnLongTexts) {
         for (const PlannedPattern& planned : kPlannedLines) {
             compareOnTexts(planned.pattern, planned.options, kTexts);
         }
+    });
+}
+
+TEST(EnclosedRun, IsReadWhereThePatternIsNothingElse) {
+    for (const EnclosedCase& enclosed : kEnclosed) {
+        ZelRegExpState* state = nullptr;
+        int offset = 0;
+        ASSERT_EQ(zelsRegExpInitAlloc(enclosed.pattern, enclosed.options, &state, &offset),
+                  zelStatusOk);
+        zelsRegExpSetFormat(zel::kFormatUtf8, state);
+        zel::StackGuard stack;
+        stack.start();
+        EXPECT_EQ(zel::EnclosedRun().read(*state, stack), enclosed.isRead) << enclosed.pattern;
+        zelsRegExpFree(state);
+    }
+}
+
+TEST(EnclosedRun, SearchesAgreeWithTheModelOnLongTexts) {
+    onDeepStack([] {
+        for (const EnclosedCase& enclosed : kEnclosed)
+            compareOnTexts(enclosed.pattern, enclosed.options, kTexts);
     });
 }
 

@@ -1,4 +1,5 @@
 // The searches that look at neighbouring bytes, in every instance, against loops over elements.
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
@@ -372,5 +373,61 @@ TEST(LiteralKernels, CollectLiterals) {
                 ASSERT_EQ(found[i].lenMatch, -7);
         });
         zelsRegExpFree(state);
+    });
+}
+
+TEST(LiteralKernels, CollectEnclosedRuns) {
+    onManyTexts([](std::mt19937& random, const Zel8u* text, int length) {
+        const Set first = someSet(random, 60);
+        const Set set = someSet(random, random() % 2 != 0 ? 60 : 98);
+        Zel8u literals[2][3];
+        for (auto& literal : literals) {
+            for (Zel8u& byte : literal) byte = static_cast<Zel8u>('a' + random() % 3);
+        }
+        zel::kernels::EnclosedRun run = {};
+        run.open = literals[0];
+        run.openLength = 2 + static_cast<int>(random() % 2);
+        run.min = static_cast<int>(random() % 2);
+        std::copy(std::begin(first.words), std::end(first.words), run.first);
+        std::copy(std::begin(set.words), std::end(set.words), run.set);
+        run.close = literals[1];
+        run.closeLength = static_cast<int>(random() % 4);
+        run.nodes = 3;
+        run.price = 2;
+
+        const auto standsAt = [&](int at, const Zel8u* literal, int size) {
+            return at + size <= length && std::equal(literal, literal + size, text + at);
+        };
+        const int capacity = 1 + static_cast<int>(random() % (random() % 2 != 0 ? 10 : 5000));
+        std::vector<std::pair<int, int>> expected;
+        int64_t price = 0;
+        for (int at = 0; at < length && static_cast<int>(expected.size()) < capacity; ++at) {
+            if (!standsAt(at, run.open, run.openLength)) continue;
+            int stop = at + run.openLength;
+            const bool fails = run.min > 0 && (stop == length || !first.has(text[stop]));
+            if (!fails) stop += run.min;
+            while (!fails && stop < length && set.has(text[stop])) ++stop;
+            const int size = stop + run.closeLength - at;
+            price += run.nodes + int64_t{run.price} * size;
+            if (fails || !standsAt(stop, run.close, run.closeLength)) continue;
+            expected.emplace_back(at, size);
+            at += size - 1;
+        }
+        std::vector<ZelRegExpFind> found(static_cast<size_t>(capacity) + 1);
+        FOR_EACH_INSTANCE({
+            found.assign(found.size(), {nullptr, -7});
+            const int count =
+                (collectEnclosedRuns)(text, length, &run, found.data(), capacity, price);
+            ASSERT_EQ(count, static_cast<int>(expected.size()));
+            for (size_t i = 0; i < expected.size(); ++i) {
+                ASSERT_EQ(found[i].pMatch - text, expected[i].first);
+                ASSERT_EQ(found[i].lenMatch, expected[i].second);
+            }
+            for (size_t i = expected.size(); i < found.size(); ++i)
+                ASSERT_EQ(found[i].lenMatch, -7);
+            const int early =
+                (collectEnclosedRuns)(text, length, &run, found.data(), capacity, price - 1);
+            ASSERT_TRUE(early == -1 || price == 0);
+        });
     });
 }

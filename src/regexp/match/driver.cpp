@@ -13,6 +13,7 @@
 #include "regexp/match/character.h"
 #include "regexp/match/character_sequence.h"
 #include "regexp/match/context.h"
+#include "regexp/match/enclosed_run.h"
 #include "regexp/match/first_letter.h"
 #include "regexp/match/light_walk.h"
 #include "regexp/match/one_way.h"
@@ -139,6 +140,7 @@ public:
     bool collectAll(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
         return pay_ == Pay::kUpperBound && (collectPlainRuns(start, results, capacity, written) ||
                                             collectLiterals(start, results, capacity, written) ||
+                                            collectEnclosed(start, results, capacity, written) ||
                                             collectSequences(start, results, capacity, written));
     }
 
@@ -162,6 +164,7 @@ private:
     // costs next to nothing.
     static constexpr int kAttemptsBeforePlanning = 8;
     static constexpr int kCandidatesBeforeOneWay = 3;
+    static constexpr ptrdiff_t kLongText = 200;  // reading a pattern costs as much as some attempts
 
     /// Tries start positions, and plans when there have been some in vain.
     [[gnu::noinline]] bool findWithoutPlan(const Zel8u* start) {
@@ -216,9 +219,18 @@ private:
         return true;
     }
 
+    /// Of a pattern that is a run of bytes between literals.
+    bool collectEnclosed(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
+        EnclosedRun run;
+        if (context_.textEnd - start < kLongText || !run.read(state_, context_.stack)) return false;
+        const int count = run.collect(start, context_.textEnd, context_.steps, results, capacity);
+        if (count < 0) return false;
+        *written = count;
+        return true;
+    }
+
     /// Of a pattern that is a few characters in a row.
     bool collectSequences(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
-        constexpr ptrdiff_t kLongText = 200;  // reading the pattern costs as much as some attempts
         const ptrdiff_t length = context_.textEnd - start;
         CharacterSequence sequence;
         if (length < kLongText || !context_.stack.hasRoom(sizeof sequence)) return false;

@@ -2,6 +2,7 @@
 #include "string/kernels/api.h"
 
 #include "string/kernels/ascii_masks.h"
+#include "string/kernels/enclosed.h"
 #include "string/kernels/find_any.h"
 #include "string/kernels/find_ignore_case.h"
 #include "string/kernels/find_string.h"
@@ -121,6 +122,11 @@ bool maskAscii(const Zel8u* p, int len, const kernels::AsciiSets* sets, kernels:
 int collectLiterals(const Zel8u* p, int len, const kernels::LiteralSet* set, ZelRegExpFind* matches,
                     int capacity) {
     return collectOfSet(p, len, *set, matches, capacity);
+}
+
+int collectEnclosedRuns(const Zel8u* p, int len, const kernels::EnclosedRun* run,
+                        ZelRegExpFind* matches, int capacity, int64_t budget) {
+    return collectEnclosed(p, len, *run, matches, capacity, budget);
 }
 
 int countUtf8Continuations(const Zel8u* p, int len) {

@@ -133,6 +133,23 @@ struct LiteralSet {
 int collectLiterals(const Zel8u* p, int len, const LiteralSet* set, ZelRegExpFind* matches,
                     int capacity);
 
+/// A literal, the run of bytes of a set that begins behind it, and behind that another literal.
+struct EnclosedRun {
+    const Zel8u* open;
+    int openLength;  // at least 2
+    int min;         // 1 when the run's first byte has to be there, and one of `first`; or 0
+    uint64_t first[4];
+    uint64_t set[4];
+    const Zel8u* close;
+    int closeLength;  // may be 0
+    int nodes;        // what an attempt behind the opening literal costs
+    int price;        // and each byte that it looks at
+};
+/// Writes the matches, from left to right and without overlaps, until there are `capacity` (at
+/// least 1) of them; answers how many, or -1 when the attempts would cost more than the budget.
+int collectEnclosedRuns(const Zel8u* p, int len, const EnclosedRun* run, ZelRegExpFind* matches,
+                        int capacity, int64_t budget);
+
 /// At least the sum of n * (n + 1) / 2 over the lengths n of the runs of a set's bytes, at most
 /// twice as much.
 int64_t boundRuns(const Zel8u* p, int len, const uint64_t* set);
@@ -178,5 +195,5 @@ int countUtf8Continuations(const Zel8u* p, int len);
     X(findByteNotIn) X(findByteInRev) X(findByteNotInRev) X(findBytes) X(findBytesRev)            \
     X(findBytesIgnoreCase) X(countUtf8Continuations) X(gatherBytes) X(gatherBytesFolded)          \
     X(gatherBytesIn) X(gatherShapes) X(gatherPairsIn) X(gatherDoubled) X(gatherPrefixes) X(boundRuns)             \
-    X(collectRunsOf) X(collectLiterals) X(maskAscii) X(copyBytes) X(zeroBytes)
+    X(collectRunsOf) X(collectLiterals) X(collectEnclosedRuns) X(maskAscii) X(copyBytes) X(zeroBytes)
 // clang-format on

@@ -114,13 +114,12 @@ struct Probes {
     }
 };
 
-template <typename MakeProbe, typename IsSame>
-ZEL_INLINE int collectWithProbes(const Zel8u* p, int len, const Zel8u* literal, int length,
-                                 const MakeProbe& probeOf, const IsSame& isSameAs,
-                                 ZelRegExpFind* matches, int capacity) {
-    const Probes<decltype(probeOf(*literal))> probes(literal, RarePlaces(literal, length), probeOf);
+/// The matches that `lengthAt` finds where the probes are right.
+template <typename Probe, typename LengthAt>
+ZEL_INLINE int collectProbed(const Zel8u* p, ptrdiff_t positions, const Probes<Probe>& probes,
+                             const LengthAt& lengthAt, ZelRegExpFind* matches, int capacity) {
     const auto gather = [&](const Zel8u* from, ptrdiff_t left, Zel16u* out) {
-        constexpr int kBlocks = decltype(probes)::kBlocks;
+        constexpr int kBlocks = Probes<Probe>::kBlocks;
         int at = 0;
         for (; left - at >= kMaskBits * kBlocks; at += kMaskBits * kBlocks) {
             for (int i = 0; i < kBlocks; ++i) prefetchNextBatch(from + at + kMaskBits * i);
@@ -135,10 +134,18 @@ ZEL_INLINE int collectWithProbes(const Zel8u* p, int len, const Zel8u* literal, 
             out = writePlaces(probes.starts(from + at, left - at), at, out);
         return out;
     };
+    return collectMatches(p, positions, gather, lengthAt, matches, capacity);
+}
+
+template <typename MakeProbe, typename IsSame>
+ZEL_INLINE int collectWithProbes(const Zel8u* p, int len, const Zel8u* literal, int length,
+                                 const MakeProbe& probeOf, const IsSame& isSameAs,
+                                 ZelRegExpFind* matches, int capacity) {
+    const Probes<decltype(probeOf(*literal))> probes(literal, RarePlaces(literal, length), probeOf);
     const auto lengthAt = [&](const Zel8u* at) {
         return isSameAs(at, literal, length) ? length : 0;
     };
-    return collectMatches(p, ptrdiff_t{len} - length + 1, gather, lengthAt, matches, capacity);
+    return collectProbed(p, ptrdiff_t{len} - length + 1, probes, lengthAt, matches, capacity);
 }
 
 ZEL_INLINE int collectOneLiteral(const Zel8u* p, int len, const kernels::Literal& literal,

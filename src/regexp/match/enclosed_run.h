@@ -1,0 +1,29 @@
+// Patterns that are a literal, a run of bytes behind it, and perhaps a literal that ends the run:
+// `0x[0-9a-f]+`, `href="[^"]*"`, `error: .*`. At each place of the first literal there is one match
+// or none, so all of them can be collected without the engine. The literal has several bytes: after
+// a single one, which is not rare, the search by plan is as fast.
+#pragma once
+
+#include "regexp/match/one_way.h"
+#include "string/kernels/api.h"
+
+namespace zel {
+
+class EnclosedRun {
+public:
+    /// Reads the pattern; false when it is of another kind, or when longer characters might make a
+    /// difference.
+    bool read(const ZelRegExpState& state, StackGuard& stack);
+
+    /// Writes the matches in [start, end), in order, until there are `capacity` of them; answers
+    /// how many, or -1 when the budget may not suffice.
+    int collect(const Zel8u* start, const Zel8u* end, int steps, ZelRegExpFind* results,
+                int capacity) const;
+
+private:
+    bool readParts(const OneWay::Part* parts, bool utf8);
+
+    kernels::EnclosedRun run_;
+};
+
+}  // namespace zel
