@@ -110,6 +110,9 @@ private:
                static_cast<size_t>(operationBytes_);
     }
 
+    /// Whether an optional group that is passed over leads to what will be emitted next.
+    bool endsGroup() const { return (isTarget_ >> operationCount_ & 1) != 0; }
+
     const AsciiSet& setOf(int number) const {
         const int shorthand = number - LightProgram::kFirstShorthand;
         return shorthand < 0 ? sets_[number] : kShorthandSets[shorthand];
@@ -149,7 +152,7 @@ private:
             if (node == nullptr) return false;
         }
         // What a group that is passed over leads to is there, if it is only the match.
-        if (operationCount_ != 0 && lastTarget_ != operationCount_ &&
+        if (operationCount_ != 0 && !endsGroup() &&
             operations_[operationCount_ - 1].kind == kLightEnd) {
             operations_[operationCount_ - 1].kind = kLightEndMatch;
         } else {
@@ -184,8 +187,8 @@ private:
     /// A letter right behind a run that cannot hold it goes with the run.
     void translateLetter(int letter) {
         LightOperation* const last = operations_ + operationCount_ - 1;
-        if (operationCount_ != 0 && lastTarget_ != operationCount_ && last->kind == kLightRun &&
-            letter < 0x80 && !setOf(last->set).has(static_cast<unsigned>(letter))) {
+        if (operationCount_ != 0 && !endsGroup() && last->kind == kLightRun && letter < 0x80 &&
+            !setOf(last->set).has(static_cast<unsigned>(letter))) {
             last->kind = kLightRunLetter;
             last->rest = static_cast<Zel8u>(letter);
             return;
@@ -344,7 +347,8 @@ private:
             const int distance = operationBytes_ - offsets_[group.optional];
             if (distance > 0xFF) return nullptr;
             operations_[group.optional].min = static_cast<Zel8u>(distance);
-            targets_[group.optional] = lastTarget_ = operationCount_;
+            targets_[group.optional] = operationCount_;
+            isTarget_ |= uint64_t{1} << operationCount_;
         }
         return isQuantifierAt(node + 1) ? node + 2 : node + 1;
     }
@@ -352,11 +356,10 @@ private:
     // The second pass.
 
     void decide() {
-        Beginning beginnings[kMaxOperations];
+        Beginning beginnings[kMaxOperations];  // of the operations that groups lead to
+        Beginning here = {kEverything, 0, true, true};
         for (int i = operationCount_ - 1; i >= 0; --i) {
-            const Beginning* const next = &beginnings[i + 1];
             LightOperation& operation = operations_[i];
-            Beginning& here = beginnings[i];
             switch (operation.kind) {
                 case kLightLetter:
                     here = beginningWith(operation.set);
@@ -368,16 +371,16 @@ private:
                     here = {setOf(operation.set), 1, false, false};
                     break;
                 case kLightRunLetter:
-                    beginRun(operation, beginningWith(operation.rest), here);
+                    here = beginningOfRun(operation, beginningWith(operation.rest));
                     break;
                 case kLightRun:
                 case kLightLazy:
                 case kLightRaising:
-                    beginRun(operation, *next, here);
-                    decideRun(operation, *next);
+                    decideRun(operation, here);
+                    here = beginningOfRun(operation, here);
                     break;
                 case kLightOptional:
-                    decideOptional(operation, *next, beginnings[targets_[i]], here);
+                    here = decideOptional(operation, here, beginnings[targets_[i]]);
                     break;
                 case kLightEnd:
                 case kLightEndMatch:
@@ -387,17 +390,17 @@ private:
                 case kLightVeryEnd:
                     here = {kNothing, 1, true, false};
                     break;
-                case kLightMatch:
-                    here = {kEverything, 0, true, true};
-                    break;
                 case kLightBoundary:
                 case kLightInside:
-                    here = {next->set, next->price + 1, next->mayBeNothing, false};
+                    here.cannotFail = false;
+                    ++here.price;
+                    break;
+                case kLightMatch:
                     break;
                 default:  // captures
-                    here = *next;
                     ++here.price;
             }
+            if ((isTarget_ >> i & 1) != 0) beginnings[i] = here;
         }
     }
 
@@ -407,14 +410,12 @@ private:
         return beginning;
     }
 
-    void beginRun(const LightOperation& operation, const Beginning& next, Beginning& here) {
+    Beginning beginningOfRun(const LightOperation& operation, const Beginning& next) {
         note(next.price + 1);
-        here = {setOf(operation.set), operation.slot == 0 ? 1 : 3, false, false};
-        if (operation.min != 0) return;
+        Beginning here = {setOf(operation.set), operation.slot == 0 ? 1 : 3, false, false};
+        if (operation.min != 0) return here;
         here.set.addAll(next.set);
-        here.price += next.price;
-        here.mayBeNothing = next.mayBeNothing;
-        here.cannotFail = next.cannotFail;
+        return {here.set, here.price + next.price, next.mayBeNothing, next.cannotFail};
     }
 
     void decideRun(LightOperation& operation, const Beginning& next) {
@@ -425,30 +426,30 @@ private:
             operation.kind = kLightGiving;
         }
         ++choices_;
-        operation.rest = beginningOf(next);
+        operation.rest = numberOfBeginning(next);
     }
 
-    void decideOptional(LightOperation& operation, const Beginning& body, const Beginning& behind,
-                        Beginning& here) {
-        here = behind;
+    Beginning decideOptional(LightOperation& operation, const Beginning& body,
+                             const Beginning& behind) {
+        Beginning here = {behind.set, body.price + behind.price + 1,
+                          body.mayBeNothing || behind.mayBeNothing, behind.cannotFail};
         here.set.addAll(body.set);
-        here.mayBeNothing = here.mayBeNothing || body.mayBeNothing;
-        here.price += body.price + 1;
         if (here.price > kTooDear) here.price = kTooDear;  // groups in groups would double it
         note(here.price);
-        if (!body.mayBeNothing) operation.rest = beginningOf(body);
+        if (!body.mayBeNothing) operation.rest = numberOfBeginning(body);
         const LightOperation& first = (&operation)[1];
         const bool isTested = operation.rest != LightOperation::kAnything;
         if (isTested && (first.kind == kLightLetter || first.kind == kLightOne))
             operation.max = LightOperation::sizeOf(first.kind);
-        if (isTested && disjoint(body.set, behind.set)) return;
+        if (isTested && disjoint(body.set, behind.set)) return here;
         operation.kind = kLightTrying;
         ++choices_;
+        return here;
     }
 
     /// The number of the set that something can begin with, when that is of any use and there is
     /// room for it.
-    Zel8u beginningOf(const Beginning& beginning) {
+    Zel8u numberOfBeginning(const Beginning& beginning) {
         if (beginning.set == kEverything) return LightOperation::kAnything;
         for (int i = 0; i < kShorthands; ++i) {
             if (beginning.set == kShorthandSets[i]) {
@@ -476,7 +477,7 @@ private:
     int setCount_ = 0;
     unsigned shorthands_ = 0;
     int depth_ = 0;
-    int lastTarget_ = -1;  // the last operation that a group passed over leads to
+    uint64_t isTarget_ = 0;  // which operations optional groups lead to
     int missPrice_ = 0;
     int choices_ = 0;
     OpenGroup groups_[kMaxDepth];
