@@ -159,8 +159,16 @@ const Decided kDecided[] = {
 zel::LightOutcome walk(ZelRegExpState& state, const std::string& subject) {
     const zel::LightProgram* program = zel::findLightProgram(state);
     if (program == nullptr) return zel::LightOutcome::kNotKnown;
-    return zel::walkLightly(*program, state, reinterpret_cast<const Zel8u*>(subject.c_str()),
-                            static_cast<int>(subject.size()), state.captures);
+    ZelRegExpFind results[8];
+    int count = 8;
+    const zel::SearchRequest request = {{state.groups, state.captures},
+                                        reinterpret_cast<const Zel8u*>(subject.c_str()),
+                                        static_cast<int>(subject.size()),
+                                        state,
+                                        results,
+                                        &count,
+                                        false};
+    return zel::walkLightly(*program, request);
 }
 
 TEST(LightWalk, DecidesWhatItIsMadeFor) {

@@ -339,14 +339,6 @@ private:
     RegExpMatchContext context_;
 };
 
-/// Copies `count` capture records.
-void copyRecords(const CaptureRecord* captures, int count, ZelRegExpFind* results) {
-    for (int i = 0; i < count; ++i) {
-        const CaptureRecord& record = captures[i];
-        results[i] = {const_cast<Zel8u*>(record.text), record.length};
-    }
-}
-
 ZelStatus findFirst(Search& search, const Zel8u* text, int numCaptures, ZelRegExpFind* pResult,
                     int* pNumFind) {
     const int capacity = *pNumFind < numCaptures ? *pNumFind : numCaptures;
@@ -400,19 +392,8 @@ ZelStatus findAll(Search& search, const Zel8u* text, int numCaptures, bool whole
     return search.outOfBudget() ? zelStatusRegExpMatchLimitError : zelStatusOk;
 }
 
-/// A search as it was asked for, of a text that has been narrowed.
-struct Request {
-    WorkAreas work;
-    const Zel8u* text;
-    int length;
-    const ZelRegExpState& state;
-    ZelRegExpFind* results;
-    int* count;
-    bool wholeMatchToo;
-};
-
 /// The whole search, by the engine. Not inlined, because its frame is large.
-[[gnu::noinline]] ZelStatus searchThrough(const Request& request) {
+[[gnu::noinline]] ZelStatus searchThrough(const SearchRequest& request) {
     const int capacity = *request.count;
     const ZelRegExpState& state = request.state;
     for (const Pay pay : {Pay::kUpperBound, Pay::kExactly}) {
@@ -426,23 +407,6 @@ struct Request {
         if (!search.endedTooEarly()) return status;
     }
     return zelStatusRegExpMatchLimitError;
-}
-
-/// Whether the light walk knows the outcome, which is then written.
-bool searchLightly(const Request& request) {
-    const LightProgram* const program = findLightProgram(request.state);
-    if (program == nullptr) return false;
-    const LightOutcome outcome =
-        walkLightly(*program, request.state, request.text, request.length, request.work.captures);
-    if (outcome == LightOutcome::kNotKnown) return false;
-    int count = 0;
-    if (outcome == LightOutcome::kMatched) {
-        count =
-            *request.count < request.state.groupCount ? *request.count : request.state.groupCount;
-        copyRecords(request.work.captures, count, request.results);
-    }
-    *request.count = count;
-    return true;
 }
 
 /// The checks, and the short ways to a result. Inlined, because on short texts a call counts.
@@ -459,14 +423,17 @@ bool searchLightly(const Request& request) {
         *pNumFind = 0;
         return zelStatusOk;
     }
-    const Request request = {work,
-                             pSrc,
-                             narrowedLength(pSrc, srcLen, *pRegExpState),
-                             *pRegExpState,
-                             pResult,
-                             pNumFind,
-                             wholeMatchToo != 0};
-    return searchLightly(request) ? zelStatusOk : searchThrough(request);
+    const SearchRequest request = {work,
+                                   pSrc,
+                                   narrowedLength(pSrc, srcLen, *pRegExpState),
+                                   *pRegExpState,
+                                   pResult,
+                                   pNumFind,
+                                   wholeMatchToo != 0};
+    const LightProgram* const program = findLightProgram(*pRegExpState);
+    if (program != nullptr && walkLightly(*program, request) != LightOutcome::kNotKnown)
+        return zelStatusOk;
+    return searchThrough(request);
 }
 
 }  // namespace

@@ -15,6 +15,25 @@ struct WorkAreas {
     CaptureRecord* captures;
 };
 
+/// A search that is allowed, of a text that has been narrowed to what a match can need of it.
+struct SearchRequest {
+    WorkAreas work;
+    const Zel8u* text;
+    int length;
+    const ZelRegExpState& state;
+    ZelRegExpFind* results;
+    int* count;  // of records: room for them, then how many have been written
+    bool wholeMatchToo;
+};
+
+/// Copies `count` capture records.
+inline void copyRecords(const CaptureRecord* captures, int count, ZelRegExpFind* results) {
+    for (int i = 0; i < count; ++i) {
+        const CaptureRecord& record = captures[i];
+        results[i] = {const_cast<Zel8u*>(record.text), record.length};
+    }
+}
+
 /// Searches with the given work areas. Checks its arguments; see zelsRegExpFind_8u for the
 /// contract. `wholeMatchToo` makes find-all mode report the whole match in front of its groups.
 /// `pairs`, when not null, are those of the subject.

@@ -102,25 +102,22 @@ struct Choice {
 template <bool kOneWord>
 class LightWalk {
 public:
-    LightWalk(const LightProgram& program, const ZelRegExpState& state, const Zel8u* text,
-              int length, const kernels::TextMasks& masks, CaptureRecord* captures)
+    LightWalk(const LightProgram& program, const SearchRequest& request,
+              const kernels::TextMasks& masks)
         : program_(program),
-          state_(state),
-          text_(text),
-          length_(length),
+          request_(request),
+          text_(request.text),
+          length_(request.length),
           members_(masks),
-          captures_(captures) {}
+          captures_(request.work.captures) {}
 
     LightOutcome run() {
         Place place = {program_.operations(), 0};
         for (;;) {
             const int end = takeLine(place);
-            if (end >= 0) {
-                captures_[0] = {text_, end + raised_};
-                return affords() ? LightOutcome::kMatched : LightOutcome::kNotKnown;
-            }
+            if (end >= 0) return affords() ? succeed(end) : LightOutcome::kNotKnown;
             do {
-                if (top_ == 0) return affords() ? LightOutcome::kFailed : LightOutcome::kNotKnown;
+                if (top_ == 0) return affords() ? fail() : LightOutcome::kNotKnown;
                 if (++returns_ > kMostReturns) return LightOutcome::kNotKnown;
             } while (!goBack(choices_[top_ - 1], place));
         }
@@ -133,9 +130,21 @@ private:
     /// taken, the nodes on it with the groups that could have been passed over, what its runs give
     /// back in vain, and what was passed over where it began.
     bool affords() const {
-        const int line =
-            state_.nodeCount + (state_.nodeCount + 2 * (length_ + 1)) * program_.missPrice;
-        return (returns_ + 1) * line <= state_.matchLimit;
+        const int nodes = request_.state.nodeCount;
+        const int line = nodes + (nodes + 2 * (length_ + 1)) * program_.missPrice;
+        return (returns_ + 1) * line <= request_.state.matchLimit;
+    }
+    LightOutcome succeed(int end) const {
+        captures_[0] = {text_, end + raised_};
+        const int groups = request_.state.groupCount;
+        const int count = *request_.count < groups ? *request_.count : groups;
+        copyRecords(captures_, count, request_.results);
+        *request_.count = count;
+        return LightOutcome::kMatched;
+    }
+    LightOutcome fail() const {
+        *request_.count = 0;
+        return LightOutcome::kFailed;
     }
     void push(const LightOperation& operation, int position, int start) {
         choices_[top_++] = {&operation, position, start};
@@ -165,7 +174,7 @@ private:
     bool isText(const LightOperation& operation, int position) const;
 
     const LightProgram& program_;
-    const ZelRegExpState& state_;
+    const SearchRequest& request_;
     const Zel8u* const text_;
     const int length_;
     const Members<kOneWord> members_;
@@ -296,8 +305,9 @@ bool LightWalk<kOneWord>::holds(const LightOperation& operation, int position) c
 
 template <bool kOneWord>
 bool LightWalk<kOneWord>::isText(const LightOperation& operation, int position) const {
+    const ZelRegExpState& state = request_.state;
     const auto* literal =
-        reinterpret_cast<const Zel8u*>(state_.nodes() + state_.nodeCount) + operation.set;
+        reinterpret_cast<const Zel8u*>(state.nodes() + state.nodeCount) + operation.set;
     const int left = length_ - position;
     const Zel8u* text = text_ + position;
     if (left < operation.rest) return false;
@@ -386,16 +396,16 @@ const LightProgram* findLightProgramBehind(const Zel8u* text) {
     return reinterpret_cast<const LightProgram*>(text + length + __builtin_ctz(zeros));
 }
 
-LightOutcome walkLightly(const LightProgram& program, const ZelRegExpState& state,
-                         const Zel8u* text, int length, CaptureRecord* captures) {
+LightOutcome walkLightly(const LightProgram& program, const SearchRequest& request) {
     const kernels::AsciiSets sets = {program.sets(), program.setCount,
                                      reinterpret_cast<const Zel8u*>(kShorthandSets),
                                      program.shorthands};
     kernels::TextMasks masks;
-    if (length > kernels::TextMasks::kMaxLength || !kernels::maskAscii(text, length, &sets, &masks))
+    if (request.length > kernels::TextMasks::kMaxLength ||
+        !kernels::maskAscii(request.text, request.length, &sets, &masks))
         return LightOutcome::kNotKnown;
-    if (length < 64) return LightWalk<true>(program, state, text, length, masks, captures).run();
-    return LightWalk<false>(program, state, text, length, masks, captures).run();
+    if (request.length < 64) return LightWalk<true>(program, request, masks).run();
+    return LightWalk<false>(program, request, masks).run();
 }
 
 }  // namespace zel

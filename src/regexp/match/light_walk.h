@@ -29,9 +29,8 @@ inline const LightProgram* findLightProgram(const ZelRegExpState& state) {
     return program->mark == LightProgram::kMark ? program : nullptr;
 }
 
-/// Searches with a light program. On a match all capture records have been written. An outcome that
-/// is known is that of the whole search, within the budget.
-LightOutcome walkLightly(const LightProgram& program, const ZelRegExpState& state,
-                         const Zel8u* text, int length, CaptureRecord* captures);
+/// Searches with a light program, and writes the outcome if it is known: then it is that of the
+/// whole search, within the budget.
+LightOutcome walkLightly(const LightProgram& program, const SearchRequest& request);
 
 }  // namespace zel
