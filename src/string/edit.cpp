@@ -77,6 +77,7 @@ ZEL_INLINE ZelStatus concatList(const T* const* srcs, const int* lens, int numSr
     for (int i = 0; i < numSrc; ++i) {
         if (anyNull(srcs[i])) return zelStatusNullPointer;
         if (anyNegative(lens[i])) return zelStatusLengthError;
+        expectMoreAfter(dst, lens[i]);
         copyElements(srcs[i], dst, lens[i]);
         dst += lens[i];
     }

@@ -149,10 +149,24 @@ ZEL_INLINE ZelStatus removeElements(const T* src, int len, T* dst, int start, in
     return removeMedium(src, len, dst, start, lenRemove);
 }
 
+/// Asks for the memory that will be written after a piece of two to four cache lines. Such pieces
+/// are written faster than a core that waits for its stores gets hold of the lines; shorter ones
+/// are not, and longer ones are copied by loops that the processor sees through.
+template <typename T>
+ZEL_INLINE void expectMoreAfter(const T* dst, int len) {
+    constexpr int kLine = 64 / static_cast<int>(sizeof(T));
+    constexpr int kAhead = 8 * kLine;
+    if (len > kLine && len <= 4 * kLine) [[unlikely]] {
+        __builtin_prefetch(dst + kAhead, 1);
+        __builtin_prefetch(dst + kAhead + kLine, 1);
+    }
+}
+
 /// Writes the delimiter and a piece, and answers the end of what was written.
 template <typename T>
 ZEL_INLINE T* joinElements(Vec<T> delims, T delim, const T* piece, int len, T* dst) {
     if (!joinShort(delims, piece, len, dst)) {
+        expectMoreAfter(dst, len);
         *dst = delim;
         copyElements(piece, dst + 1, len);
     }
