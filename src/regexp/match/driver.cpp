@@ -131,7 +131,7 @@ public:
 
     /// Tries start positions from `start` on.
     bool findFrom(const Zel8u* start) {
-        clearCaptures();
+        if (!oneWay_.setsAllCaptures()) clearCaptures();
         return plan_.kind != Plan::kNone ? findPlanned(startAt(start)) : findWithoutPlan(start);
     }
 
@@ -299,8 +299,9 @@ private:
             guessed_ = true;
             return context_.charge(state_.nodeCount);
         }
-        if (!oneWay_.isKnown() && ++candidates_ == kCandidatesBeforeOneWay)
-            plan_.triesAreCheap = makeOneWay(state_, context_.stack, oneWay_);
+        if (!oneWay_.isKnown() && ++candidates_ == kCandidatesBeforeOneWay &&
+            makeOneWay(state_, context_.stack, oneWay_))
+            plan_.makeTriesCheap();
         if (oneWay_.isKnown()) {
             const OneWay::Outcome outcome = oneWay_.tryAt(position, context_);
             guessed_ = true;

@@ -75,6 +75,8 @@ struct OneWay {
     /// Nothing is known of the pattern; making it known is what makeOneWay does.
     OneWay() : count(0) {}
     bool isKnown() const { return count != 0; }
+    /// Whether no capture is left as it was by a match.
+    bool setsAllCaptures() const { return isKnown() && alternatives == 1; }
 
     /// An attempt at a start position. On a match the captures are those of the match. Otherwise
     /// they are as they were, all unset. Charges an upper bound, unless the outcome is not known.

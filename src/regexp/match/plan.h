@@ -33,13 +33,14 @@ struct Plan {
         kSet,         // a match begins with a byte of `first`
     };
     Kind kind;
-    bool lines;           // only starts of lines are tried anyway
-    int price;            // what a rejected start position costs at most
-    int matchLength;      // of the match at every place the plan does not reject; 0 when not known
-    bool startsAtPlaces;  // what is gathered are the positions that the plan does not reject
-    bool isFlat;          // the bill is the price of each
-    int runPrice;         // and, for runs, what each byte behind it in its run adds
-    bool exact;           // whether it costs just that
+    bool lines;       // only starts of lines are tried anyway
+    int price;        // what a rejected start position costs at most
+    int matchLength;  // of the match at every place the plan does not reject; 0 when not known
+    bool firstByteDecides;  // whether the plan rejects a start of a line
+    bool startsAtPlaces;    // what is gathered are the positions that the plan does not reject
+    bool isFlat;            // the bill is the price of each
+    int runPrice;           // and, for runs, what each byte behind it in its run adds
+    bool exact;             // whether it costs just that
     ByteSet first;
     ByteSet behind;
     ByteSet second;  // a run of other bytes between the first run and `literal`
@@ -69,6 +70,7 @@ struct Plan {
     /// The first position of [from, end) that the plan does not reject, `end` when there is none.
     /// `start` is where the subject begins.
     const Zel8u* next(const Zel8u* from, const Zel8u* start, const Zel8u* end) {
+        if (firstByteDecides && from < end && first.has(*from)) return from;
         const Zel8u* place = startsAtPlaces ? places_.gatheredFrom(from) : nullptr;
         return place != nullptr ? place : findNext(from, start, end);
     }
@@ -81,6 +83,11 @@ struct Plan {
 
     /// To be called when everything else is known.
     void noteShortcuts();
+    /// Attempts have become cheap.
+    void makeTriesCheap() {
+        triesAreCheap = true;
+        noteShortcuts();
+    }
 
 private:
     const Zel8u* findNext(const Zel8u* from, const Zel8u* start, const Zel8u* end);

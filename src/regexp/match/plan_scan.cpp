@@ -33,6 +33,7 @@ void Plan::clear() {
 
 void Plan::noteShortcuts() {
     isFlat = runPrice == 0 && kind != kRequired && kind != kLine;
+    firstByteDecides = lines && kind != kLiteral && (kind != kRun || triesAreCheap);
     switch (kind) {
         case kLiteral:
         case kPrefix:
