@@ -10,10 +10,18 @@ namespace zel::ZEL_ISA {
 namespace {
 
 template <typename Rule, typename T>
-ZEL_INLINE ZelStatus convert(const T* src, T* dst, int len) {
+[[gnu::noinline]] ZelStatus convertOtherwise(const T* src, T* dst, int len) {
     if (anyNull(src, dst)) return zelStatusNullPointer;
     if (anyNegative(len)) return zelStatusLengthError;
-    convertCase<Rule>(src, dst, len);
+    mapLong(src, dst, len, Rule{});
+    return zelStatusOk;
+}
+
+template <typename Rule, typename T>
+ZEL_INLINE ZelStatus convert(const T* src, T* dst, int len) {
+    if (!isShortCall(Vec<T>::kLanes, len, src, dst)) [[unlikely]]
+        return convertOtherwise<Rule>(src, dst, len);
+    mapShort(src, dst, len, Rule{});
     return zelStatusOk;
 }
 

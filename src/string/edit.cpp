@@ -57,7 +57,7 @@ template <typename T>
 ZEL_INLINE ZelStatus replaceC(const T* src, T* dst, int len, T valOld, T valNew) {
     if (anyNull(src, dst)) return zelStatusNullPointer;
     if (anyNegative(len)) return zelStatusLengthError;
-    replaceElement(src, dst, len, valOld, valNew);
+    mapElements(src, dst, len, Replacement<T>(valOld, valNew));
     return zelStatusOk;
 }
 

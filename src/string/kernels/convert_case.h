@@ -13,6 +13,8 @@
 namespace zel::ZEL_ISA {
 
 struct ToLowerLatin {
+    static constexpr bool kIsSmall = true;
+
     template <typename T>
     ZEL_INLINE Vec<T> operator()(Vec<T> v) const {
         return addInRange(v, T{'A'}, T{26}, T{32});
@@ -24,6 +26,8 @@ struct ToLowerLatin {
 };
 
 struct ToUpperLatin {
+    static constexpr bool kIsSmall = true;
+
     template <typename T>
     ZEL_INLINE Vec<T> operator()(Vec<T> v) const {
         return addInRange(v, T{'a'}, T{26}, static_cast<T>(-32));
@@ -63,6 +67,8 @@ ZEL_INLINE Mask<Zel16u> unitsBetween(Vec<Zel16u> v, Zel16u first, Zel16u last) {
 template <Case to>
 class TableRule {
 public:
+    static constexpr bool kIsSmall = false;
+
     ZEL_INLINE TableRule() : a_(0xC0 / case_rows::kRowLength), b_(0x100 / case_rows::kRowLength) {}
 
     ZEL_INLINE Vec<Zel16u> operator()(Vec<Zel16u> text) {
@@ -130,6 +136,8 @@ private:
 
 template <Case to>
 struct TableRule {
+    static constexpr bool kIsSmall = false;
+
     ZEL_INLINE Vec<Zel16u> operator()(Vec<Zel16u> text) const {
         if (areAsciiOrCaseless(text)) return convertAscii<to>(text);
         alignas(32) Zel16u units[Vec<Zel16u>::kLanes];
@@ -149,11 +157,5 @@ private:
 };
 
 #endif
-
-/// Writes rule(src[i]) for each element. dst may be src.
-template <typename Rule, typename T>
-ZEL_INLINE void convertCase(const T* src, T* dst, int len) {
-    mapElements(src, dst, len, Rule{});
-}
 
 }  // namespace zel::ZEL_ISA

@@ -11,15 +11,29 @@
 
 namespace zel::ZEL_ISA {
 
-/// map(Vec<T>) gives the mapped elements; it may keep what it learns from one call to the next.
+// map(Vec<T>) gives the mapped elements; it may keep what it learns from one call to the next.
+// Map::kIsSmall says whether it consists of a few instructions.
+
+/// For texts of at most a vector. The widest are taken by halves when the map may stand there
+/// twice.
 template <typename T, typename Map>
-ZEL_INLINE void mapElements(const T* src, T* dst, int len, Map&& map) {
+ZEL_INLINE void mapShort(const T* src, T* dst, int len, Map map) {
+    using V = Vec<T>;
+    if constexpr (Map::kIsSmall && V::kBytes == 64) {
+        if (len > V::kLanes / 2)
+            map(V::loadEnds(src, len)).storeEnds(dst, len);
+        else
+            map(V::loadFirst(src, len)).storeFirstOfHalf(dst, len);
+    } else {
+        map(V::loadFirst(src, len)).storeFirst(dst, len);
+    }
+}
+
+/// For longer texts.
+template <typename T, typename Map>
+ZEL_INLINE void mapLong(const T* src, T* dst, int len, Map&& map) {
     using V = Vec<T>;
     constexpr ptrdiff_t n = V::kLanes;
-    if (len <= n) [[likely]] {
-        map(V::loadFirst(src, len)).storeFirst(dst, len);
-        return;
-    }
     const T* const lastSrc = src + len - n;
     T* const lastDst = dst + len - n;
     const V last = map(V::load(lastSrc));
@@ -56,6 +70,15 @@ ZEL_INLINE void mapElements(const T* src, T* dst, int len, Map&& map) {
     }
     for (; lastSrc > src; src += n, dst += n) map(V::load(src)).store(dst);
     last.store(lastDst);
+}
+
+/// For texts of any length.
+template <typename T, typename Map>
+ZEL_INLINE void mapElements(const T* src, T* dst, int len, Map map) {
+    if (len <= Vec<T>::kLanes) [[likely]]
+        mapShort(src, dst, len, map);
+    else
+        mapLong(src, dst, len, map);
 }
 
 }  // namespace zel::ZEL_ISA

@@ -60,6 +60,26 @@ struct Vec {
         else
             _mm512_mask_storeu_epi16(p, static_cast<__mmask32>(lowBits(n)), v);
     }
+
+    // By halves: a store that crosses the end of a cache line takes two, a narrow one seldom does.
+
+    /// The first n elements, which are at most a half.
+    ZEL_INLINE void storeFirstOfHalf(T* p, int n) const {
+        const auto lanes = static_cast<__mmask32>(lowBits(n * static_cast<int>(sizeof(T))));
+        _mm256_mask_storeu_epi8(p, lanes, _mm512_castsi512_si256(v));
+    }
+    /// The first and the last half vector of n elements, which are at least a half.
+    ZEL_INLINE static Vec loadEnds(const T* p, int n) {
+        const __m256i first = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
+        const __m256i last =
+            _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + n - kLanes / 2));
+        return {_mm512_inserti64x4(_mm512_castsi256_si512(first), last, 1)};
+    }
+    ZEL_INLINE void storeEnds(T* p, int n) const {
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), _mm512_castsi512_si256(v));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(p + n - kLanes / 2),
+                            _mm512_extracti64x4_epi64(v, 1));
+    }
 };
 
 template <typename T>
