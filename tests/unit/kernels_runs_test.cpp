@@ -1,11 +1,13 @@
 // The searches that look at neighbouring bytes, in every instance, against loops over elements.
 #include <algorithm>
+#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "regexp/match/plain_literals.h"
 #include "string/kernels/instances.h"
+#include "string/utf8.h"
 #include "test_support.h"
 
 namespace {
@@ -430,4 +432,158 @@ TEST(LiteralKernels, CollectEnclosedRuns) {
             ASSERT_TRUE(early == -1 || price == 0);
         });
     });
+}
+
+// Sets that a number decides about, so that texts have runs of all lengths.
+struct SomeCharacters {
+    zel::kernels::CharacterPattern pattern = {};
+    unsigned seed = 0;
+    const Zel8u* end = nullptr;
+
+    bool has(int part, const Zel8u* text) const {
+        const zel::kernels::CharacterSet& set = pattern.sets[part];
+        const bool mayBe = (set.bytes[*text >> 6] >> (*text & 63)) & 1;
+        const zel::Utf8Char character = zel::decodeUtf8(text, end - text);
+        if (!character.wellFormed) return false;
+        if (character.length == 1 || !mayBe) return mayBe && (set.isTested || *text < 0x80);
+        if (!set.isTested) return set.elsewhere;
+        return isMember(part, character.value);
+    }
+    bool isMember(int part, int value) const {
+        return (static_cast<unsigned>(value) * 2654435761u +
+                seed * static_cast<unsigned>(part + 1)) %
+                   7 <
+               5;
+    }
+    static bool accepts(const void* context, int part, const Zel8u* text) {
+        return static_cast<const SomeCharacters*>(context)->has(part, text);
+    }
+
+    explicit SomeCharacters(std::mt19937& random) : seed(static_cast<unsigned>(random())) {
+        pattern.count = 1 + static_cast<int>(random() % 3);
+        pattern.accepts = accepts;
+        for (int part = 0; part < pattern.count; ++part) {
+            zel::kernels::CharacterSet& set = pattern.sets[part];
+            const Set bytes = someSet(random, random() % 2 != 0 ? 60 : 95);
+            std::copy(bytes.words, bytes.words + 4, set.bytes);
+            set.isTested = random() % 3 != 0;
+            set.elsewhere = random() % 2 != 0;
+            if (!set.isTested) set.bytes[2] = set.bytes[3] = ~uint64_t{0};
+            set.known = static_cast<Zel32u>(random());
+            for (int value = 0x80; set.isTested && value < 0x800; ++value) {
+                if (isMember(part, value)) set.twoBytes[value >> 6] |= uint64_t{1} << (value & 63);
+            }
+            const bool isLast = part == pattern.count - 1;
+            pattern.min[part] = static_cast<int>(random() % 4) + (isLast && part > 0 ? 0 : 1);
+            pattern.max[part] = pattern.min[part];
+            if (isLast && random() % 2 != 0)
+                pattern.max[part] = zel::kernels::CharacterPattern::kUnbounded;
+            else if (isLast)
+                pattern.max[part] += static_cast<int>(random() % 100);
+            if (pattern.max[part] == 0) pattern.max[part] = 1;
+        }
+    }
+    const Zel8u* matchAt(const Zel8u* text) const {
+        for (int part = 0; part < pattern.count; ++part) {
+            int count = 0;
+            for (; count < pattern.max[part] && text < end && has(part, text); ++count)
+                text += zel::utf8Length(text, end - text);
+            if (count < pattern.min[part]) return nullptr;
+        }
+        return text;
+    }
+};
+
+std::string someUtf8(std::mt19937& random) {
+    static const char* const kCharacters[] = {"a",
+                                              "b",
+                                              "\n",
+                                              "~",
+                                              "\xC3\xA9",
+                                              "\xD0\xB6",
+                                              "\xDF\xBF",
+                                              "\xE0\xA4\x85",
+                                              "\xE2\x82\xAC",
+                                              "\xEF\xBF\xBF",
+                                              "\xF0\x9F\x98\x80",
+                                              "\xF4\x80\x80\x80"};
+    static const char* const kOdd[] = {"\x80",
+                                       "\xC3",
+                                       "\xC0\x80",
+                                       "\xE0\x9F\xBF",
+                                       "\xE2\x82",
+                                       "\xF0\x8F\xBF\xBF",
+                                       "\xF8\x88\x80\x80\x80",
+                                       "\xFF"};
+    const size_t length = random() % (random() % 2 != 0 ? 150 : 5000);
+    const unsigned kinds = random() % 2 != 0 ? 4 : std::size(kCharacters);
+    const bool mayBeOdd = random() % 2 != 0;
+    std::string text;
+    while (text.size() < length) {
+        if (mayBeOdd && random() % 100 == 0)
+            text += kOdd[random() % std::size(kOdd)];
+        else
+            text += kCharacters[random() % kinds];
+    }
+    return text;
+}
+
+TEST(CharacterKernels, CollectCharacters) {
+    std::mt19937 random(21);
+    test::GuardedPages pages(8192);
+    ASSERT_TRUE(pages.available());
+    for (int round = 0; round < 3000; ++round) {
+        const std::string source = someUtf8(random);
+        const auto length = static_cast<int>(source.size());
+        Zel8u* const text = reinterpret_cast<Zel8u*>(pages.end() - length);
+        std::copy(source.begin(), source.end(), text);
+        SomeCharacters characters(random);
+        characters.end = text + length;
+        characters.pattern.context = &characters;
+        const int capacity = 1 + static_cast<int>(random() % (random() % 2 != 0 ? 10 : 5000));
+
+        // The kernel leaves sequences of five bytes and more to others.
+        bool isOrderly = true;
+        for (const Zel8u* at = text; at < characters.end;) {
+            const zel::Utf8Char character = zel::decodeUtf8(at, characters.end - at);
+            isOrderly = isOrderly && character.wellFormed && character.length <= 4;
+            at += character.length;
+        }
+        std::vector<std::pair<int, int>> all;
+        for (const Zel8u* at = text; at < characters.end;) {
+            const Zel8u* const end = characters.matchAt(at);
+            if (end == nullptr) {
+                at += zel::utf8Length(at, characters.end - at);
+                continue;
+            }
+            all.emplace_back(at - text, end - at);
+            at = end;
+        }
+        std::vector<ZelRegExpFind> found(static_cast<size_t>(capacity) + 1);
+        FOR_EACH_INSTANCE({
+            found.assign(found.size(), {nullptr, -7});
+            int resume = -1;
+            const int count = (collectCharacters)(text, length, &characters.pattern, found.data(),
+                                                  capacity, &resume);
+            ASSERT_LE(count, capacity);
+            ASSERT_GE(resume, 0);
+            for (int i = 0; i < count; ++i) {
+                ASSERT_LT(static_cast<size_t>(i), all.size());
+                ASSERT_EQ(found[static_cast<size_t>(i)].pMatch - text,
+                          all[static_cast<size_t>(i)].first);
+                ASSERT_EQ(found[static_cast<size_t>(i)].lenMatch,
+                          all[static_cast<size_t>(i)].second);
+            }
+            ASSERT_EQ(found[static_cast<size_t>(count)].lenMatch, -7);
+            if (count < capacity) {
+                // None in front of the end was left out, and only a good reason ended the search.
+                if (static_cast<size_t>(count) < all.size()) {
+                    ASSERT_GE(all[static_cast<size_t>(count)].first, resume);
+                }
+                if (isOrderly && length <= 2048) {
+                    ASSERT_EQ(resume, length);
+                }
+            }
+        });
+    }
 }

@@ -2,6 +2,8 @@
 // engine's own tests.
 #include "regexp/match/character_sequence.h"
 
+#include <string.h>
+
 #include "regexp/match/character.h"
 #include "regexp/match/class_matcher.h"
 #include "string/kernels/api.h"
@@ -20,17 +22,10 @@ bool CharacterSequence::readPart(const Node& node) {
         default:
             return false;
     }
-    if (count_ == 0) first_ = firstBytes(node, flags_, true);
     Part& part = parts_[count_];
     part.node = &node;
-    part.isCategory = node.kind == NodeUnicodeCategory;
-    part.groups = part.isCategory ? acceptedGroups(node) : 0;
+    part.first = firstBytes(node, flags_, true);
     buildCharacterSet(node, flags_, part.set);
-    if (part.set.wide == ClassSet::kTestWide) return true;
-    for (int lead = 2; lead < 32; ++lead) {
-        part.set.met[lead] = ClassSet::kKnown;
-        part.set.answers[lead] = part.set.elsewhere ? ~uint64_t{0} : 0;
-    }
     return true;
 }
 
@@ -54,58 +49,73 @@ bool CharacterSequence::read(const ZelRegExpState& state) {
     return count_ > 0 && parts_[0].min > 0;
 }
 
-/// Takes at most part.max characters. The lengths that a processor can guess are written as
-/// branches: computed ones would have to be known before the next character is read.
-const Zel8u* CharacterSequence::takeRun(const Part& part, const Zel8u* text, const Zel8u* end,
-                                        int& count) const {
-    const ClassSet& set = part.set;
-    count = 0;
-    for (; count < part.max && text < end; ++count) {
-        const unsigned byte = *text;
-        if (byte < 0x80) {
-            if (!set.bytes.has(*text)) break;
-            ++text;
-            continue;
+const Zel8u* CharacterSequence::matchAt(const Zel8u* text, const Zel8u* end) const {
+    for (int i = 0; i < count_; ++i) {
+        const Part& part = parts_[i];
+        int count = 0;
+        for (; count < part.max && text < end; ++count) {
+            const int length = acceptedLength(part.set, *part.node, text, end, flags_);
+            if (length == 0) break;
+            text += length;
         }
-        const unsigned lead = byte - 0xC0u;
-        if (lead < 32 && set.met[lead] == ClassSet::kKnown && end - text > 1 &&
-            (text[1] & 0xC0) == 0x80) {
-            if (((set.answers[lead] >> (text[1] & 0x3F)) & 1) == 0) break;
-            text += 2;
-            continue;
-        }
-        if (lead - 32 < 16 && (part.isCategory || set.wide != ClassSet::kTestWide)) {
-            const Utf8Char character = decodeUtf8Sequence(text, end - text);
-            if (character.wellFormed) {
-                const bool accepted =
-                    part.isCategory ? inGroups(part.groups, character.value) : set.elsewhere;
-                if (!accepted) break;
-                text += 3;
-                continue;
-            }
-        }
-        const int length = acceptedLength(set, *part.node, text, end, flags_);
-        if (length == 0) break;
-        text += length;
+        if (count < part.min) return nullptr;
     }
     return text;
 }
 
-const Zel8u* CharacterSequence::matchAt(const Zel8u* text, const Zel8u* end) const {
+/// What is known by now of the parts' sets; to be made again as more is.
+void CharacterSequence::makePattern(kernels::CharacterPattern& pattern) const {
+    static_assert(kernels::CharacterPattern::kUnbounded == kUnbounded);
+    pattern.count = count_;
     for (int i = 0; i < count_; ++i) {
-        int count = 0;
-        text = takeRun(parts_[i], text, end, count);
-        if (count < parts_[i].min) return nullptr;
+        const ClassSet& set = parts_[i].set;
+        kernels::CharacterSet& known = pattern.sets[i];
+        pattern.min[i] = parts_[i].min;
+        pattern.max[i] = parts_[i].max;
+        memcpy(known.bytes, set.bytes.words, sizeof known.bytes);
+        memcpy(known.bytes + 2, parts_[i].first.words + 2, sizeof known.bytes / 2);
+        known.isTested = set.wide == ClassSet::kTestWide;
+        known.elsewhere = set.elsewhere;
+        if (!known.isTested) continue;
+        known.known = 0;
+        for (int lead = 0; lead < 32; ++lead)
+            known.known |= Zel32u{set.met[lead] == ClassSet::kKnown} << lead;
+        memcpy(known.twoBytes, set.answers, sizeof known.twoBytes);
     }
-    return text;
 }
 
 int CharacterSequence::collect(const Zel8u* start, const Zel8u* end, ZelRegExpFind* results,
                                int capacity) const {
+    // A stretch that is not well-formed, and a match that is very long, goes character by
+    // character.
+    constexpr ptrdiff_t kStretch = 64;
+    struct Context {
+        const CharacterSequence* sequence;
+        const Zel8u* end;
+    } context = {this, end};
+    kernels::CharacterPattern pattern;
+    pattern.context = &context;
+    pattern.accepts = [](const void* given, int part, const Zel8u* text) {
+        const Context& asked = *static_cast<const Context*>(given);
+        const CharacterSequence& sequence = *asked.sequence;
+        const Part& asks = sequence.parts_[part];
+        return acceptedLength(asks.set, *asks.node, text, asked.end, sequence.flags_) != 0;
+    };
+    const ByteSet& first = parts_[0].first;
     int written = 0;
+    const Zel8u* orderly = start;  // from here on the kernel is worth a try
     for (const Zel8u* text = start; written < capacity && text < end;) {
-        if (!first_.has(*text)) {
-            text += kernels::findByteIn(text, static_cast<int>(end - text), first_.words);
+        if (text >= orderly) {
+            int resume = 0;
+            makePattern(pattern);
+            written += kernels::collectCharacters(text, static_cast<int>(end - text), &pattern,
+                                                  results + written, capacity - written, &resume);
+            text += resume;
+            if (resume < kStretch) orderly = text + kStretch;
+            continue;
+        }
+        if (!first.has(*text)) {
+            text += kernels::findByteIn(text, static_cast<int>(end - text), first.words);
             text = characterBoundary(text, start, end);
             continue;
         }

@@ -5,15 +5,15 @@
 #pragma once
 
 #include "regexp/match/byte_set.h"
-#include "regexp/match/category.h"
 #include "regexp/match/stack_guard.h"
 #include "regexp/program.h"
+#include "string/kernels/api.h"
 
 namespace zel {
 
 class CharacterSequence {
 public:
-    static constexpr int kMaxParts = 3;
+    static constexpr int kMaxParts = kernels::CharacterPattern::kMaxParts;
 
     /// Reads the pattern; false when it is of another kind or matches no UTF-8 text.
     bool read(const ZelRegExpState& state);
@@ -28,20 +28,17 @@ public:
 private:
     struct Part {
         const Node* node;
+        ByteSet first;  // what its characters can begin with
         ClassSet set;
-        bool isCategory;
-        UniGroups groups;  // of a category
         int min;
         int max;
     };
-
     bool readPart(const Node& node);
-    const Zel8u* takeRun(const Part& part, const Zel8u* text, const Zel8u* end, int& count) const;
     const Zel8u* matchAt(const Zel8u* text, const Zel8u* end) const;
+    void makePattern(kernels::CharacterPattern& pattern) const;
 
     int count_ = 0;
     Zel32u flags_ = 0;
-    ByteSet first_;  // what a match begins with
     Part parts_[kMaxParts];
 };
 

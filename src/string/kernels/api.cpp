@@ -2,6 +2,7 @@
 #include "string/kernels/api.h"
 
 #include "string/kernels/ascii_masks.h"
+#include "string/kernels/characters.h"
 #include "string/kernels/enclosed.h"
 #include "string/kernels/find_any.h"
 #include "string/kernels/find_ignore_case.h"
@@ -113,6 +114,11 @@ int64_t boundRuns(const Zel8u* p, int len, const uint64_t* set) {
 int collectRunsOf(const Zel8u* p, int len, const uint64_t* set, ZelRegExpFind* runs, int capacity,
                   int* resume) {
     return collectRuns(p, len, set, runs, capacity, resume);
+}
+
+int collectCharacters(const Zel8u* p, int len, const kernels::CharacterPattern* pattern,
+                      ZelRegExpFind* matches, int capacity, int* resume) {
+    return collectMarked(p, len, *pattern, matches, capacity, resume);
 }
 
 bool maskAscii(const Zel8u* p, int len, const kernels::AsciiSets* sets, kernels::TextMasks* masks) {

@@ -158,6 +158,34 @@ int64_t boundRuns(const Zel8u* p, int len, const uint64_t* set);
 int collectRunsOf(const Zel8u* p, int len, const uint64_t* set, ZelRegExpFind* runs, int capacity,
                   int* resume);
 
+/// A set of characters of UTF-8 text.
+struct CharacterSet {
+    uint64_t bytes[4];  // the ASCII characters, and the bytes that others can begin with
+    bool isTested;      // else the others are all in the set or none, as `elsewhere` says
+    bool elsewhere;
+    // For a tested set: of the 32 first bytes of two-byte sequences which second bytes, 0x80 to
+    // 0xBF, go with those that are `known`.
+    Zel32u known;
+    uint64_t twoBytes[32];
+};
+/// A few characters in a row, each repeated as often as it can be.
+struct CharacterPattern {
+    static constexpr int kMaxParts = 3;
+    static constexpr int kUnbounded = 0x3FFFFFFF;
+    int count;
+    int min[kMaxParts];
+    int max[kMaxParts];
+    CharacterSet sets[kMaxParts];
+    /// Whether a character that the set does not tell is in it.
+    bool (*accepts)(const void* context, int part, const Zel8u* text);
+    const void* context;
+};
+/// Writes matches of the pattern, in order and without overlaps, until there are `capacity` of them
+/// or the text, which begins with a character, is not sure to be well-formed; not all of a long
+/// text is looked at. Answers how many. *resume is how far matches have been looked for.
+int collectCharacters(const Zel8u* p, int len, const CharacterPattern* pattern,
+                      ZelRegExpFind* matches, int capacity, int* resume);
+
 /// Sets of ASCII characters, 16 bytes each: bit c >> 4 of byte c & 15 says whether c is a member.
 /// Those at `own` have the numbers from 0 on. Of those at `shared`, whose numbers begin with
 /// kFirstShared, only the ones in the bits of `which` are used.
@@ -195,5 +223,5 @@ int countUtf8Continuations(const Zel8u* p, int len);
     X(findByteNotIn) X(findByteInRev) X(findByteNotInRev) X(findBytes) X(findBytesRev)            \
     X(findBytesIgnoreCase) X(countUtf8Continuations) X(gatherBytes) X(gatherBytesFolded)          \
     X(gatherBytesIn) X(gatherShapes) X(gatherPairsIn) X(gatherDoubled) X(gatherPrefixes) X(boundRuns)             \
-    X(collectRunsOf) X(collectLiterals) X(collectEnclosedRuns) X(maskAscii) X(copyBytes) X(zeroBytes)
+    X(collectRunsOf) X(collectLiterals) X(collectEnclosedRuns) X(collectCharacters) X(maskAscii) X(copyBytes) X(zeroBytes)
 // clang-format on
