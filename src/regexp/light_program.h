@@ -97,10 +97,12 @@ enum LightKind : Zel8u {
                       //    fewer of them
     kLightLazy,       // 6  as few members as there can be
     kLightRaising,   // 6  the same; when it fails, it leaves the whole match longer by what it took
-    kLightOptional,  // 6  a group that may be passed over, to go on `min` bytes further: because
-                     //    its body cannot begin in front of what stands there. Else `max` bytes
-                     //    further, and when that is not 0, one character.
+    kLightOptional,  // 6  a group, or an alternative in front of others, that may be passed over,
+                     //    to go on `min` bytes further: because its body cannot begin in front of
+                     //    what stands there. Else `max` bytes further, and when that is not 0, one
+                     //    character.
     kLightTrying,    // 6  the same, but also passed over when the body or what follows fails
+    kLightLeave,     // 6  the end of an alternative: passes over those behind it
     kLightEnd,       // 1  here must be the end, perhaps behind a newline
     kLightVeryEnd,   // 1  the end
     kLightLineEnd,   // 1  the end or a newline
@@ -111,16 +113,17 @@ enum LightKind : Zel8u {
 };
 
 /// One operation, as far as its kind has it. Sets are given by their numbers. `rest` are the
-/// characters that what follows can begin with (of an optional group: it and what follows),
-/// kAnything when it may also be nothing.
+/// characters that what follows can begin with (of what may be passed over: itself and what
+/// follows), kAnything when it may also be nothing.
 struct LightOperation {
     static constexpr Zel8u kAnything = 0xFF;
     static constexpr Zel8u kNoLimit = 0xFF;  // no text is longer
 
     Zel8u kind;
-    Zel8u set;  // of an optional group: how many captures it has
+    Zel8u set;  // of what may be passed over: how many captures are in it
     Zel8u rest;
-    Zel8u slot;  // of a run that is all there is in a capture; of a group's first capture; or 0
+    Zel8u
+        slot;  // of a run that is all there is in a capture; of the first capture in a group; or 0
     Zel8u min;
     Zel8u max;
 

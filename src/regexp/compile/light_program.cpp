@@ -73,9 +73,15 @@ private:
 
     struct OpenGroup {
         const Node* close;
-        int optional;  // its operation kLightOptional, -1 for none
-        int slot;      // its capture, 0 for none
+        int serial;
+        int slot;  // its capture, 0 for none
+        // Operations, kNone for none: what may pass over the group, and over the alternative that
+        // has been begun, and the end of the one in front of that.
+        int optional;
+        int alternative;
+        int leave;
     };
+    static constexpr int kNone = -1;
 
     /// What the program can begin with from an operation on.
     struct Beginning {
@@ -110,7 +116,7 @@ private:
                static_cast<size_t>(operationBytes_);
     }
 
-    /// Whether an optional group that is passed over leads to what will be emitted next.
+    /// Whether something that is passed over leads to what will be emitted next.
     bool endsGroup() const { return (isTarget_ >> operationCount_ & 1) != 0; }
 
     const AsciiSet& setOf(int number) const {
@@ -147,7 +153,7 @@ private:
     bool translate() {
         if (isQuantifierAt(nodes_ + 1) || nodesEnd_ - nodes_ > kMaxNodes) return false;
         for (const Node* node = nodes_ + 1; node != nodesEnd_;) {
-            if (operationCount_ + 3 > kMaxOperations) return false;
+            if (operationCount_ + 4 > kMaxOperations) return false;
             node = translateNode(node);
             if (node == nullptr) return false;
         }
@@ -179,6 +185,8 @@ private:
                 return openGroup(node);
             case NodeGroupingClose:
                 return closeGroup(node);
+            case NodeAlternative:
+                return passBar(node);
             default:
                 return nullptr;
         }
@@ -305,16 +313,17 @@ private:
         const int slot = node->kind == NodeGroupingCapture ? node->extra : 0;
         if (slot > 0xFF || depth_ == kMaxDepth) return nullptr;
         OpenGroup& group = groups_[depth_++];
-        group = {close, -1, slot};
+        group = {close, node->value, slot, kNone, kNone, kNone};
         if (isQuantifierAt(close + 1)) {
             const Node& repeat = close[1];
             if (repeat.kind != NodeQuantifierMax || repeat.count != 1) return nullptr;
             if (repeat.value == 0) {
                 group.optional = operationCount_;
-                if (!noteCaptures(node, close, emit(kLightOptional))) return nullptr;
+                if (!emitPassing(kLightOptional, node, close)) return nullptr;
             }
         }
-        if (slot != 0 && isAtom(node[1])) {
+        const Node* const bar = barBehind(node, group);
+        if (slot != 0 && isAtom(node[1]) && bar == close) {
             Atom atom;
             if (!readAtom(node + 1, atom)) return nullptr;
             if (atom.behind == close) {
@@ -324,13 +333,52 @@ private:
             }
         }
         if (slot != 0) emit(kLightOpen, slot);
-        return node + 1;
+        return beginAlternative(node, bar, group) ? node + 1 : nullptr;
     }
 
-    /// Which captures are unset when the group is passed over: their numbers follow each other.
-    static bool noteCaptures(const Node* open, const Node* close, LightOperation& operation) {
+    const Node* closeGroup(const Node* node) {
+        if (depth_ == 0 || groups_[depth_ - 1].close != node) return nullptr;
+        const OpenGroup& group = groups_[--depth_];
+        for (int leave = group.leave; leave != kNone;) {
+            const int before = targets_[leave];
+            if (!leadsHere(leave)) return nullptr;
+            leave = before;
+        }
+        if (group.slot != 0) emit(kLightClose, group.slot);
+        if (group.optional != kNone && !leadsHere(group.optional)) return nullptr;
+        return isQuantifierAt(node + 1) ? node + 2 : node + 1;
+    }
+
+    /// Between two alternatives of a group.
+    const Node* passBar(const Node* node) {
+        if (depth_ == 0) return nullptr;
+        OpenGroup& group = groups_[depth_ - 1];
+        targets_[operationCount_] = group.leave;  // until it is known where they lead to
+        group.leave = operationCount_;
+        if (!emitPassing(kLightLeave, node, group.close) || !leadsHere(group.alternative))
+            return nullptr;
+        return beginAlternative(node, barBehind(node, group), group) ? node + 1 : nullptr;
+    }
+
+    /// The group's next bar, or its close.
+    const Node* barBehind(const Node* node, const OpenGroup& group) const {
+        const auto indexOf = [this](const Node* of) { return static_cast<int>(of - nodes_); };
+        return nodes_ + nextBar(nodes_, indexOf(node + 1), indexOf(group.close), group.serial);
+    }
+
+    /// The alternative behind a node, up to a bar or the group's close.
+    bool beginAlternative(const Node* node, const Node* bar, OpenGroup& group) {
+        if (bar == group.close) return true;
+        group.alternative = operationCount_;
+        return emitPassing(kLightOptional, node + 1, bar);
+    }
+
+    /// An operation that may pass over some nodes. The captures among them, which then are unset,
+    /// have numbers that follow each other.
+    bool emitPassing(LightKind kind, const Node* from, const Node* to) {
+        LightOperation& operation = emit(kind);
         int captures = 0;
-        for (const Node* node = open; node != close; ++node) {
+        for (const Node* node = from; node != to; ++node) {
             if (node->kind != NodeGroupingCapture) continue;
             if (node->extra > 0xFF) return false;
             if (captures++ == 0) operation.slot = static_cast<Zel8u>(node->extra);
@@ -339,24 +387,20 @@ private:
         return true;
     }
 
-    const Node* closeGroup(const Node* node) {
-        if (depth_ == 0 || groups_[depth_ - 1].close != node) return nullptr;
-        const OpenGroup& group = groups_[--depth_];
-        if (group.slot != 0) emit(kLightClose, group.slot);
-        if (group.optional >= 0) {
-            const int distance = operationBytes_ - offsets_[group.optional];
-            if (distance > 0xFF) return nullptr;
-            operations_[group.optional].min = static_cast<Zel8u>(distance);
-            targets_[group.optional] = operationCount_;
-            isTarget_ |= uint64_t{1} << operationCount_;
-        }
-        return isQuantifierAt(node + 1) ? node + 2 : node + 1;
+    /// Has an operation that passes over something lead to what is emitted next; false when that is
+    /// too far away.
+    bool leadsHere(int passing) {
+        const int distance = operationBytes_ - offsets_[passing];
+        operations_[passing].min = static_cast<Zel8u>(distance);
+        targets_[passing] = operationCount_;
+        isTarget_ |= uint64_t{1} << operationCount_;
+        return distance <= 0xFF;
     }
 
     // The second pass.
 
     void decide() {
-        Beginning beginnings[kMaxOperations];  // of the operations that groups lead to
+        Beginning beginnings[kMaxOperations];  // of those that others lead to
         Beginning here = {kEverything, 0, true, true};
         for (int i = operationCount_ - 1; i >= 0; --i) {
             LightOperation& operation = operations_[i];
@@ -381,6 +425,10 @@ private:
                     break;
                 case kLightOptional:
                     here = decideOptional(operation, here, beginnings[targets_[i]]);
+                    break;
+                case kLightLeave:
+                    here = beginnings[targets_[i]];
+                    ++here.price;
                     break;
                 case kLightEnd:
                 case kLightEndMatch:
@@ -477,14 +525,14 @@ private:
     int setCount_ = 0;
     unsigned shorthands_ = 0;
     int depth_ = 0;
-    uint64_t isTarget_ = 0;  // which operations optional groups lead to
+    uint64_t isTarget_ = 0;  // operations that others lead to
     int missPrice_ = 0;
     int choices_ = 0;
     OpenGroup groups_[kMaxDepth];
     AsciiSet sets_[LightProgram::kFirstShorthand];
     LightOperation operations_[kMaxOperations];
     int offsets_[kMaxOperations];  // of the operations among each other, in bytes
-    int targets_[kMaxOperations];  // the operations that optional groups lead to
+    int targets_[kMaxOperations];  // the operations that those that pass over something lead to
 };
 
 }  // namespace

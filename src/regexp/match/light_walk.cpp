@@ -169,7 +169,7 @@ private:
     bool goBack(Choice& choice, Place& place);
     bool giveBack(Choice& choice, Place& place);
     bool stretch(Choice& choice, Place& place);
-    const LightOperation* passOver(const LightOperation& group);
+    const LightOperation* passOver(const LightOperation& passed);
     bool holds(const LightOperation& operation, int position) const;
     bool isText(const LightOperation& operation, int position) const;
 
@@ -257,6 +257,9 @@ int LightWalk<kOneWord>::takeLine(Place place) {
                     ++position;
                     next = next->further(operation.max);
                 }
+                break;
+            case kLightLeave:
+                next = passOver(operation);
                 break;
             case kLightOpen:
                 captures_[operation.set].text = text_ + position;
@@ -375,11 +378,11 @@ bool LightWalk<kOneWord>::stretch(Choice& choice, Place& place) {
     return true;
 }
 
-/// Unsets the captures of a group; the operation behind it.
+/// Unsets the captures of what is passed over; the operation behind it.
 template <bool kOneWord>
-const LightOperation* LightWalk<kOneWord>::passOver(const LightOperation& group) {
-    for (int i = 0; i < group.set; ++i) captures_[group.slot + i] = {nullptr, -1};
-    return group.further(group.min);
+const LightOperation* LightWalk<kOneWord>::passOver(const LightOperation& passed) {
+    for (int i = 0; i < passed.set; ++i) captures_[passed.slot + i] = {nullptr, -1};
+    return passed.further(passed.min);
 }
 
 }  // namespace
