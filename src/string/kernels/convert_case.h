@@ -83,8 +83,11 @@ public:
 
         const __m512i rows = _mm512_srli_epi16(v, 6);
         const __mmask32 inA = _mm512_mask_cmpeq_epi16_mask(other, rows, a_.row);
+        const __m512i withA = a_.add(inA, ascii.v, v);
+        // A text of a Western language has no other row.
+        if (inA == other) return {withA};
         const __mmask32 inB = _mm512_mask_cmpeq_epi16_mask(other, rows, b_.row);
-        const __m512i result = b_.add(inB, a_.add(inA, ascii.v, v), v);
+        const __m512i result = b_.add(inB, withA, v);
         const auto caseless =
             static_cast<__mmask32>(unitsBetween(text, kCaselessFirst, kCaselessLast).bits);
         const __mmask32 left = other & ~(inA | inB | caseless);
