@@ -146,6 +146,7 @@ const OneWayPattern kOneWay[] = {
 // Characters in a row, collected without the engine in UTF-8 text.
 const char* const kSequences[] = {"[\\x{3B1}-\\x{3C9}\xC3\xA9]+",
                                   "\\p{Lu}\\p{Ll}+",
+                                  "\\p{Lu}\\p{Ll}*",
                                   "\\P{Lu}{2}\\p{L}",
                                   ".{4}",
                                   "\\W\\w{2,5}",

@@ -105,6 +105,11 @@ int CharacterSequence::collect(const Zel8u* start, const Zel8u* end, ZelRegExpFi
     int written = 0;
     const Zel8u* orderly = start;  // from here on the kernel is worth a try
     for (const Zel8u* text = start; written < capacity && text < end;) {
+        if (!first.has(*text)) {
+            text += kernels::findByteIn(text, static_cast<int>(end - text), first.words);
+            text = characterBoundary(text, start, end);
+            continue;
+        }
         if (text >= orderly) {
             int resume = 0;
             makePattern(pattern);
@@ -112,11 +117,6 @@ int CharacterSequence::collect(const Zel8u* start, const Zel8u* end, ZelRegExpFi
                                                   results + written, capacity - written, &resume);
             text += resume;
             if (resume < kStretch) orderly = text + kStretch;
-            continue;
-        }
-        if (!first.has(*text)) {
-            text += kernels::findByteIn(text, static_cast<int>(end - text), first.words);
-            text = characterBoundary(text, start, end);
             continue;
         }
         const Zel8u* matchEnd = matchAt(text, end);

@@ -46,18 +46,20 @@ struct SequenceFinder {
         if ((found.wide | carry) == 0) return found;
         found.continuation = memberBits(continuation, p, left);
         found.two = memberBits(two, p, left);
-        const uint64_t ofThree = memberBits(three, p, left);
-        const uint64_t ofFour = memberBits(four, p, left);
-        found.longer = ofThree | ofFour;
-        const uint64_t leads = found.two | found.longer;
-        const uint64_t wanted = carry | leads << 1 | found.longer << 2 | ofFour << 3;
-        found.carry = leads >> 63 | found.longer >> 62 | ofFour >> 61;
-        found.bad = (found.continuation ^ wanted) | (found.wide & ~found.continuation & ~leads);
-        if (found.longer != 0) {
-            // Forms that would have fitted into fewer bytes.
+        const uint64_t others = found.wide & ~found.continuation & ~found.two;
+        uint64_t ofFour = 0;
+        if (others != 0) {
+            ofFour = memberBits(four, p, left);
+            found.longer = memberBits(three, p, left) | ofFour;
+            // What begins no sequence, and forms that would have fitted into fewer bytes.
+            found.bad = others & ~found.longer;
             found.bad |= memberBits(e0, p, left) & memberBits(belowA0, p + 1, left - 1);
             found.bad |= memberBits(f0, p, left) & memberBits(below90, p + 1, left - 1);
         }
+        const uint64_t leads = found.two | found.longer;
+        const uint64_t wanted = carry | leads << 1 | found.longer << 2 | ofFour << 3;
+        found.carry = leads >> 63 | found.longer >> 62 | ofFour >> 61;
+        found.bad |= found.continuation ^ wanted;
         return found;
     }
 };
@@ -171,6 +173,7 @@ struct MarkedSearch {
     const Zel8u* text;
     const kernels::CharacterPattern& pattern;
     CharacterMarks marks;
+    CharacterMarks::Words candidates;  // where a match may begin
     unsigned size;
     bool isWhole;  // the text ends where the marks do
 
@@ -178,6 +181,34 @@ struct MarkedSearch {
         : text(p), pattern(thePattern) {
         size = static_cast<unsigned>(markWellFormed(p, len, pattern.sets, pattern.count, marks));
         isWhole = size == static_cast<unsigned>(len);
+        for (unsigned word = 0; kMaskBits * word < size; ++word) candidates[word] = mayBe(0, word);
+        if (pattern.count > 1 && pattern.max[0] == 1 && pattern.min[1] > 0) keepFollowed();
+    }
+
+    /// The characters of a word that are in a part's set or not known.
+    ZEL_INLINE uint64_t mayBe(int part, unsigned word) const {
+        return (marks.starts[word] & ~marks.stops[part][word]) | marks.unknown[part][word];
+    }
+
+    /// Of a single character and a second part: drops the candidates that are followed by one that
+    /// the second part does not accept.
+    ZEL_INLINE void keepFollowed() {
+        constexpr int kLongest = 4;
+        CharacterMarks::Words second;
+        const unsigned last = size / kMaskBits;
+        for (unsigned word = 0; word <= last; ++word) second[word] = mayBe(1, word);
+        second[last] |= uint64_t{1} << size % kMaskBits;  // what comes there is not known
+        second[last + 1] = 0;
+        for (unsigned word = 0; kMaskBits * word < size; ++word) {
+            // Bit i: whether the next character behind byte i may be in the set.
+            uint64_t followed = 0;
+            for (unsigned i = kLongest; i > 0; --i) {
+                const unsigned at = kMaskBits * word + i;
+                followed &= ~CharacterMarks::from(marks.starts, at);
+                followed |= CharacterMarks::from(second, at);
+            }
+            candidates[word] &= followed;
+        }
     }
 
     /// The end of the run of a part's characters that `count` of have been taken from by now, in
@@ -240,10 +271,9 @@ struct MarkedSearch {
     ZEL_INLINE unsigned nextCandidate(unsigned at) const {
         uint64_t mask = ~uint64_t{0} << at % kMaskBits;
         for (unsigned word = at / kMaskBits; kMaskBits * word < size; ++word) {
-            const uint64_t known = marks.starts[word] & ~marks.stops[0][word];
-            const uint64_t candidates = (known | marks.unknown[0][word]) & mask;
-            if (candidates != 0)
-                return kMaskBits * word + static_cast<unsigned>(countTrailingZeros(candidates));
+            const uint64_t left = candidates[word] & mask;
+            if (left != 0)
+                return kMaskBits * word + static_cast<unsigned>(countTrailingZeros(left));
             mask = ~uint64_t{0};
         }
         return size;
