@@ -99,7 +99,6 @@ private:
 
     LightOperation& emit(LightKind kind, int set = 0, int rest = LightOperation::kAnything,
                          int slot = 0, int min = 0, int max = 0) {
-        offsets_[operationCount_] = operationBytes_;
         operationBytes_ += LightOperation::sizeOf(kind);
         LightOperation& operation = operations_[operationCount_++];
         operation = {kind,
@@ -322,8 +321,7 @@ private:
                 if (!emitPassing(kLightOptional, node, close)) return nullptr;
             }
         }
-        const Node* const bar = barBehind(node, group);
-        if (slot != 0 && isAtom(node[1]) && bar == close) {
+        if (slot != 0 && isAtom(node[1])) {
             Atom atom;
             if (!readAtom(node + 1, atom)) return nullptr;
             if (atom.behind == close) {
@@ -333,7 +331,7 @@ private:
             }
         }
         if (slot != 0) emit(kLightOpen, slot);
-        return beginAlternative(node, bar, group) ? node + 1 : nullptr;
+        return beginAlternative(node, group) ? node + 1 : nullptr;
     }
 
     const Node* closeGroup(const Node* node) {
@@ -357,17 +355,14 @@ private:
         group.leave = operationCount_;
         if (!emitPassing(kLightLeave, node, group.close) || !leadsHere(group.alternative))
             return nullptr;
-        return beginAlternative(node, barBehind(node, group), group) ? node + 1 : nullptr;
+        return beginAlternative(node, group) ? node + 1 : nullptr;
     }
 
-    /// The group's next bar, or its close.
-    const Node* barBehind(const Node* node, const OpenGroup& group) const {
-        const auto indexOf = [this](const Node* of) { return static_cast<int>(of - nodes_); };
-        return nodes_ + nextBar(nodes_, indexOf(node + 1), indexOf(group.close), group.serial);
-    }
-
-    /// The alternative behind a node, up to a bar or the group's close.
-    bool beginAlternative(const Node* node, const Node* bar, OpenGroup& group) {
+    /// The alternative behind a node, which may be passed over when it is not the last.
+    bool beginAlternative(const Node* node, OpenGroup& group) {
+        const auto first = static_cast<int>(node + 1 - nodes_);
+        const auto close = static_cast<int>(group.close - nodes_);
+        const Node* const bar = nodes_ + nextBar(nodes_, first, close, group.serial);
         if (bar == group.close) return true;
         group.alternative = operationCount_;
         return emitPassing(kLightOptional, node + 1, bar);
@@ -376,6 +371,7 @@ private:
     /// An operation that may pass over some nodes. The captures among them, which then are unset,
     /// have numbers that follow each other.
     bool emitPassing(LightKind kind, const Node* from, const Node* to) {
+        offsets_[operationCount_] = operationBytes_;
         LightOperation& operation = emit(kind);
         int captures = 0;
         for (const Node* node = from; node != to; ++node) {
@@ -499,11 +495,10 @@ private:
     /// room for it.
     Zel8u numberOfBeginning(const Beginning& beginning) {
         if (beginning.set == kEverything) return LightOperation::kAnything;
-        for (int i = 0; i < kShorthands; ++i) {
-            if (beginning.set == kShorthandSets[i]) {
-                shorthands_ |= 1u << i;
+        for (unsigned left = shorthands_; left != 0; left &= left - 1) {
+            const int i = __builtin_ctz(left);
+            if (beginning.set == kShorthandSets[i])
                 return static_cast<Zel8u>(LightProgram::kFirstShorthand + i);
-            }
         }
         if (size() + sizeof(AsciiSet) > room_) return LightOperation::kAnything;
         const int number = numberOf(beginning.set);
@@ -531,8 +526,10 @@ private:
     OpenGroup groups_[kMaxDepth];
     AsciiSet sets_[LightProgram::kFirstShorthand];
     LightOperation operations_[kMaxOperations];
-    int offsets_[kMaxOperations];  // of the operations among each other, in bytes
-    int targets_[kMaxOperations];  // the operations that those that pass over something lead to
+    // Of those that pass over something: their offsets from the first operation, and the operations
+    // that they lead to.
+    int offsets_[kMaxOperations];
+    int targets_[kMaxOperations];
 };
 
 }  // namespace
