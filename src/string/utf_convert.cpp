@@ -93,15 +93,24 @@ template <bool swapBytes>
     return zelStatusOk;
 }
 
+// Converts one character after the other for a while. Answers whether all of them did fit. A
+// function of its own, which leaves the registers to the blocks.
+template <bool swapBytes>
+[[gnu::noinline]] bool convertStretch(To8& at) {
+    const Zel16u* const resume = at.src + kStretch;
+    while (!at.isAtEnd() && at.src < resume) {
+        if (!convertCharacter<swapBytes>(at)) return false;
+    }
+    return true;
+}
+
 // Ends when the source is used up or the next character does not fit.
 template <bool swapBytes>
 [[gnu::noinline]] ZelStatus convertTo8(const Zel16u* src, int* srcLen, Zel8u* dst, int* dstLen) {
     To8 at = {src, *srcLen, dst, *dstLen};
-    bool fits = true;
-    while (fits && !at.isAtEnd()) {
+    while (!at.isAtEnd()) {
         at = convertBlocks<swapBytes>(at);
-        const Zel16u* const resume = at.src + kStretch;
-        while (fits && !at.isAtEnd() && at.src < resume) fits = convertCharacter<swapBytes>(at);
+        if (!at.isAtEnd() && !convertStretch<swapBytes>(at)) break;
     }
     *srcLen = static_cast<int>(*srcLen - at.remaining);
     *dstLen = static_cast<int>(*dstLen - at.room);
