@@ -17,9 +17,23 @@ template <typename Fold, typename T>
 }
 
 template <typename Fold, typename T>
-[[gnu::noinline]] ZelStatus compareFolded(const T* src1, const T* src2, int len, int* result) {
-    *result = compareShort<Fold>(src1, src2, len);
+[[gnu::noinline]] ZelStatus answerDifference(const T* src1, const T* src2, int* result) {
+    *result = Fold{}.minus(*src1, *src2);
     return zelStatusOk;
+}
+
+template <typename Fold, typename T>
+ZEL_INLINE ZelStatus compareFolded(const T* src1, const T* src2, int len, int* result) {
+    const Mask<T> differ = Fold{}.differFirst(src1, src2, len);
+    if (differ.any())
+        return answerDifference<Fold>(src1 + differ.first(), src2 + differ.first(), result);
+    *result = 0;
+    return zelStatusOk;
+}
+
+template <typename Fold, typename T>
+[[gnu::noinline]] ZelStatus compareFoldedApart(const T* src1, const T* src2, int len, int* result) {
+    return compareFolded<Fold>(src1, src2, len, result);
 }
 
 template <typename Fold, typename T>
@@ -28,13 +42,18 @@ ZEL_INLINE ZelStatus compare(const T* src1, const T* src2, int len, int* result)
         return compareOtherwise<Fold>(src1, src2, len, result);
     const Mask<T> differ = differFirst(src1, src2, len);
     if constexpr (Fold::kIsExact) {
-        const int i = differ.first();
-        *result = differ.any() ? src1[i] - src2[i] : 0;
+        *result = differ.any() ? src1[differ.first()] - src2[differ.first()] : 0;
+        return zelStatusOk;
     } else {
-        if (differ.any()) return compareFolded<Fold>(src1, src2, len, result);
-        *result = 0;
+        if (!differ.any()) [[likely]] {
+            *result = 0;
+            return zelStatusOk;
+        }
+        if constexpr (Fold::kIsSmall)
+            return compareFolded<Fold>(src1, src2, len, result);
+        else
+            return compareFoldedApart<Fold>(src1, src2, len, result);
     }
-    return zelStatusOk;
 }
 
 template <typename T>

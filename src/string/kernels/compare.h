@@ -11,7 +11,8 @@
 
 namespace zel::ZEL_ISA {
 
-/// Folds: where two vectors differ, and by how much a pair does.
+/// Folds: where two vectors differ, or the first n elements of two texts, and by how much a pair
+/// does. A small fold consists of a few instructions.
 struct AsTheyStand {
     static constexpr bool kIsExact = true;
     template <typename T>
@@ -26,6 +27,11 @@ struct AsTheyStand {
 
 struct IgnoringLatinCase {
     static constexpr bool kIsExact = false;
+    static constexpr bool kIsSmall = true;
+    template <typename T>
+    ZEL_INLINE Mask<T> differFirst(const T* a, const T* b, int n) const {
+        return differIgnoringLatinCaseFirst(a, b, n);
+    }
     template <typename T>
     ZEL_INLINE Differences<T> differences(Vec<T> a, Vec<T> b) {
         return differenceIgnoringLatinCase(a, b);
@@ -38,6 +44,11 @@ struct IgnoringLatinCase {
 
 struct IgnoringTableCase {
     static constexpr bool kIsExact = false;
+    static constexpr bool kIsSmall = false;
+    ZEL_INLINE Mask<Zel16u> differFirst(const Zel16u* a, const Zel16u* b, int n) {
+        using V = Vec<Zel16u>;
+        return differences(V::loadFirst(a, n), V::loadFirst(b, n)).mask();
+    }
     ZEL_INLINE Differences<Zel16u> differences(Vec<Zel16u> a, Vec<Zel16u> b) {
         return difference(toLower(a), toLower(b));
     }
@@ -115,19 +126,8 @@ ZEL_INLINE ptrdiff_t firstDifferenceLong(const T* a, const T* b, ptrdiff_t len, 
     return pair.firstInFour(len - 4 * n, len - 3 * n, len - 2 * n, len - n, fold);
 }
 
-/// For runs of at most one vector: the difference of the first pair that differs under the fold,
+/// For runs of more than one vector: the difference of the first pair that differs under the fold,
 /// else 0.
-template <typename Fold, typename T>
-ZEL_INLINE int compareShort(const T* a, const T* b, int len) {
-    Fold fold;
-    const Mask<T> differ =
-        fold.differences(Vec<T>::loadFirst(a, len), Vec<T>::loadFirst(b, len)).mask();
-    if (!differ.any()) return 0;
-    const int i = differ.first();
-    return fold.minus(a[i], b[i]);
-}
-
-/// The same for longer runs.
 template <typename Fold, typename T>
 ZEL_INLINE int compareLong(const T* a, const T* b, int len) {
     Fold fold;

@@ -272,6 +272,46 @@ ZEL_INLINE Differences<T> differenceIgnoringLatinCase(Vec<T> a, Vec<T> b) {
     return {_mm512_andnot_si512(ignored.v, (a ^ b).v)};
 }
 
+/// The constants of differIgnoringLatinCaseFirst, a vector each.
+template <typename T>
+struct LatinSplats {
+    alignas(64) T caseBit[Vec<T>::kLanes];
+    alignas(64) T minusA[Vec<T>::kLanes];
+    alignas(64) T letters[Vec<T>::kLanes];
+
+    constexpr LatinSplats() : caseBit(), minusA(), letters() {
+        for (int i = 0; i < Vec<T>::kLanes; ++i) {
+            caseBit[i] = 0x20;
+            minusA[i] = static_cast<T>(-'a');
+            letters[i] = 26;
+        }
+    }
+};
+template <typename T>
+inline constexpr LatinSplats<T> kLatinSplats;
+
+/// differenceIgnoringLatinCase of the first n elements at a and b, for one call: where compilers
+/// see constants they make them anew, which takes longer than to load them.
+template <typename T>
+ZEL_INLINE Mask<T> differIgnoringLatinCaseFirst(const T* a, const T* b, int n) {
+    const LatinSplats<T>* splats = &kLatinSplats<T>;
+    asm("" : "+r"(splats));
+    const Vec<T> va = Vec<T>::loadFirst(a, n);
+    const Vec<T> vb = Vec<T>::loadFirst(b, n);
+    const __m512i small = (va | Vec<T>::load(splats->caseBit)).v;
+    const __m512i minusA = Vec<T>::load(splats->minusA).v;
+    const __m512i letters = Vec<T>::load(splats->letters).v;
+    Vec<T> ignored;
+    if constexpr (sizeof(T) == 1) {
+        const auto lanes = _mm512_cmplt_epu8_mask(_mm512_add_epi8(small, minusA), letters);
+        ignored.v = _mm512_maskz_loadu_epi8(lanes, splats->caseBit);
+    } else {
+        const auto lanes = _mm512_cmplt_epu16_mask(_mm512_add_epi16(small, minusA), letters);
+        ignored.v = _mm512_maskz_loadu_epi16(lanes, splats->caseBit);
+    }
+    return Differences<T>{_mm512_andnot_si512(ignored.v, (va ^ vb).v)}.mask();
+}
+
 /// The elements of v, in order, at the lanes of the mask; the others are zero.
 template <typename T>
 ZEL_INLINE Vec<T> expand(uint64_t mask, Vec<T> v) {

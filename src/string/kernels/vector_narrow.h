@@ -97,6 +97,12 @@ ZEL_INLINE Differences<T> differenceIgnoringLatinCase(Vec<T> a, Vec<T> b) {
     return {andNot(a ^ b, isLetter & caseBit)};
 }
 
+/// The same for the first n elements at a and b.
+template <typename T>
+ZEL_INLINE Mask<T> differIgnoringLatinCaseFirst(const T* a, const T* b, int n) {
+    return differenceIgnoringLatinCase(Vec<T>::loadFirst(a, n), Vec<T>::loadFirst(b, n)).mask();
+}
+
 /// Adds delta to the elements from low to low + count - 1.
 template <typename T>
 ZEL_INLINE Vec<T> addInRange(Vec<T> v, T low, T count, T delta) {

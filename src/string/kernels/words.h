@@ -24,9 +24,19 @@ constexpr Zel32u power(Zel32u base, int exponent) {
 /// one of signed integers, which may not overflow.)
 struct Sum {
     ZEL_INLINE static __m128i of(__m128i a, __m128i b) { return _mm_add_epi32(a, b); }
+#if !defined(ZEL_ISA_SSE2)
+    ZEL_INLINE static __m256i of(__m256i a, __m256i b) {
+        return _mm256_add_epi32(a, b);
+    }
+#endif
 };
 struct ExclusiveOr {
     ZEL_INLINE static __m128i of(__m128i a, __m128i b) { return _mm_xor_si128(a, b); }
+#if !defined(ZEL_ISA_SSE2)
+    ZEL_INLINE static __m256i of(__m256i a, __m256i b) {
+        return _mm256_xor_si256(a, b);
+    }
+#endif
 };
 template <typename Combine>
 ZEL_INLINE Zel32u combineWords(__m128i v) {
@@ -35,15 +45,20 @@ ZEL_INLINE Zel32u combineWords(__m128i v) {
     return static_cast<Zel32u>(_mm_cvtsi128_si32(v));
 }
 
+#if !defined(ZEL_ISA_SSE2)
+template <typename Combine>
+ZEL_INLINE Zel32u combineWords(__m256i v) {
+    return combineWords<Combine>(
+        Combine::of(_mm256_castsi256_si128(v), _mm256_extracti128_si256(v, 1)));
+}
+#endif
+
 #if defined(ZEL_ISA_AVX512)
 
 template <typename Combine>
 ZEL_INLINE Zel32u combineWords(__m512i v) {
-    const __m256i half = _mm512_extracti64x4_epi64(v, 1);
-    const __m128i a = Combine::of(_mm512_castsi512_si128(v), _mm256_castsi256_si128(half));
-    const __m128i b =
-        Combine::of(_mm512_extracti64x2_epi64(v, 1), _mm256_extracti128_si256(half, 1));
-    return combineWords<Combine>(Combine::of(a, b));
+    return combineWords<Combine>(
+        Combine::of(_mm512_castsi512_si256(v), _mm512_extracti64x4_epi64(v, 1)));
 }
 
 struct Words {
@@ -110,12 +125,6 @@ ZEL_INLINE Words polynomials(Vec<Zel16u> v) {
 }
 
 #elif defined(ZEL_ISA_AVX2)
-
-template <typename Combine>
-ZEL_INLINE Zel32u combineWords(__m256i v) {
-    return combineWords<Combine>(
-        Combine::of(_mm256_castsi256_si128(v), _mm256_extracti128_si256(v, 1)));
-}
 
 struct Words {
     static constexpr int kLanes = 8;
