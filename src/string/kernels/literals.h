@@ -61,8 +61,11 @@ ZEL_INLINE int collectMatches(const Zel8u* p, ptrdiff_t positions, const Gather&
     Zel16u places[kBatch + kSpare];
     int count = 0;
     const Zel8u* behind = p;  // the last match
-    for (ptrdiff_t from = 0; from < positions; from += kBatch) {
-        const ptrdiff_t left = positions - from < kBatch ? positions - from : kBatch;
+    ptrdiff_t from = 0;
+    // The first batch ends at a cache line, so that all others begin with one.
+    ptrdiff_t size = kBatch - kMaskBits + toBoundary(p);
+    for (; from < positions; from += size, size = kBatch) {
+        const ptrdiff_t left = positions - from < size ? positions - from : size;
         const Zel16u* const end = gather(p + from, left, places);
         for (const Zel16u* place = places; place < end; ++place) {
             // Whether there is a match cannot be guessed either: a record is written in any case.
