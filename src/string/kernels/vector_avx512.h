@@ -296,8 +296,9 @@ template <typename T>
 ZEL_INLINE Mask<T> differIgnoringLatinCaseFirst(const T* a, const T* b, int n) {
     const LatinSplats<T>* splats = &kLatinSplats<T>;
     asm("" : "+r"(splats));
-    const Vec<T> va = Vec<T>::loadFirst(a, n);
-    const Vec<T> vb = Vec<T>::loadFirst(b, n);
+    const uint64_t first = lowBitsInShort(n);
+    const Vec<T> va = loadInto(Vec<T>::zero(), first, a);
+    const Vec<T> vb = loadInto(Vec<T>::zero(), first, b);
     const __m512i small = (va | Vec<T>::load(splats->caseBit)).v;
     const __m512i minusA = Vec<T>::load(splats->minusA).v;
     const __m512i letters = Vec<T>::load(splats->letters).v;
