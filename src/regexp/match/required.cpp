@@ -28,9 +28,11 @@ TextPairs::TextPairs(const Zel8u* text, int length) : length_(length) {
         const __m128i pairs = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + i));
         const __m128i hashed = _mm_mullo_epi16(pairs, _mm_set1_epi16(static_cast<short>(kFactor)));
         const __m128i slots = _mm_srli_epi16(hashed, 16 - kSlotBits);
-        Zel16u slot[8];
-        memcpy(slot, &slots, sizeof slot);
-        for (const Zel16u s : slot) present_[s] = 1;
+        uint64_t halves[2];
+        memcpy(halves, &slots, sizeof halves);
+        for (uint64_t half : halves) {
+            for (int k = 0; k < 4; ++k, half >>= 16) present_[half & 0xFFFF] = 1;
+        }
     }
     for (; i + 1 < length; i += 2) present_[slotOf(text + i)] = 1;
 }
