@@ -24,6 +24,7 @@ void Plan::clear() {
     kind = kNone;
     lines = exact = ignoreCase = avoidsWide = triesAreCheap = hasSecond = wordStart = echoes =
         false;
+    firstByteDecides = startsAtPlaces = isFlat = false;
     price = runPrice = matchLength = literalLength = alternatives = 0;
     min = max = 1;
     places_.clear();
