@@ -81,8 +81,8 @@ Suite::Suite(const char* name, int argc, char** argv)
     }
     std::vector<std::string> arguments{
         argv[0], "--benchmark_enable_random_interleaving=true",
-        quick_ ? "--benchmark_min_time=0.008" : "--benchmark_min_time=0.02",
-        quick_ ? "--benchmark_repetitions=3" : "--benchmark_repetitions=5"};
+        quick_ ? "--benchmark_min_time=0.008" : "--benchmark_min_time=0.011",
+        quick_ ? "--benchmark_repetitions=3" : "--benchmark_repetitions=9"};
     arguments.insert(arguments.end(), passedOn.begin(), passedOn.end());
     std::vector<char*> pointers;
     for (std::string& argument : arguments) pointers.push_back(argument.data());
