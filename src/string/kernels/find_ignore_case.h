@@ -3,9 +3,9 @@
 // bytes with bit 5 set, which no other byte than its two forms can produce.
 #pragma once
 
-#include "string/kernels/commonness.h"
 #include "string/kernels/convert_case.h"
 #include "string/kernels/find_element.h"
+#include "string/kernels/probes.h"
 
 namespace zel::ZEL_ISA {
 
@@ -48,39 +48,14 @@ ZEL_INLINE int firstFolded(const Zel8u* block, Mask<Zel8u> mask, const Zel8u* ne
     return kNotFound;
 }
 
-/// A block of starts that have the right bytes at two places, the rarest of the needle by the look
-/// of it; a third place refines what these let through.
-struct FoldedPattern {
-    ptrdiff_t firstAt;
-    ptrdiff_t secondAt;
-    ptrdiff_t thirdAt;
-    FoldedByte first;
-    FoldedByte second;
-    FoldedByte third;
-
-    ZEL_INLINE FoldedPattern(const Zel8u* needle, const RarePlaces& rare)
-        : firstAt(rare.first),
-          secondAt(rare.second),
-          thirdAt(rare.third),
-          first(needle[firstAt]),
-          second(needle[secondAt]),
-          third(needle[thirdAt]) {}
-
-    ZEL_INLINE Hits<Zel8u> hits(const Zel8u* p) const {
-        return first.hits(p + firstAt) & second.hits(p + secondAt);
-    }
-    ZEL_INLINE Mask<Zel8u> refine(const Zel8u* p, Hits<Zel8u> found) const {
-        return (found & third.hits(p + thirdAt)).mask();
-    }
-    ZEL_INLINE Mask<Zel8u> maskFirst(const Zel8u* p, int n) const {
-        return first.maskFirst(p + firstAt, n) & second.maskFirst(p + secondAt, n);
-    }
-};
+ZEL_INLINE Probes<FoldedByte> foldedProbes(const Zel8u* needle, int len) {
+    return {needle, RarePlaces(needle, len), [](Zel8u c) { return FoldedByte(c); }};
+}
 
 [[gnu::noinline]] inline int findStringIgnoreCaseLong(const Zel8u* src, ptrdiff_t starts,
                                                       const Zel8u* needle, int len) {
     constexpr ptrdiff_t n = Vec<Zel8u>::kLanes;
-    const FoldedPattern pattern(needle, RarePlaces(needle, len));
+    const Probes<FoldedByte> pattern = foldedProbes(needle, len);
     const Zel8u* const end = src + starts;
     const Zel8u* p = src;
     const auto firstIn = [&](const Zel8u* block, Hits<Zel8u> found) {
@@ -108,7 +83,7 @@ ZEL_INLINE int findStringIgnoreCase(const Zel8u* src, int len, const Zel8u* need
     const int starts = len - lenNeedle + 1;
     if (starts > Vec<Zel8u>::kLanes)
         return findStringIgnoreCaseLong(src, starts, needle, lenNeedle);
-    const FoldedPattern pattern(needle, RarePlaces(needle, lenNeedle));
+    const Probes<FoldedByte> pattern = foldedProbes(needle, lenNeedle);
     const Mask<Zel8u> found = pattern.maskFirst(src, starts) & Mask<Zel8u>::firstN(starts);
     return firstFolded(src, found, needle, lenNeedle);
 }

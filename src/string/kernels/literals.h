@@ -5,6 +5,7 @@
 #pragma once
 
 #include "string/kernels/gather.h"
+#include "string/kernels/probes.h"
 
 namespace zel::ZEL_ISA {
 
@@ -81,41 +82,6 @@ ZEL_INLINE int collectMatches(const Zel8u* p, ptrdiff_t positions, const Gather&
     }
     return count;
 }
-
-/// Where two bytes of a literal, the rarest by the look of it, are right; a third one refines what
-/// these let through.
-template <typename Probe>
-struct Probes {
-    static constexpr int kBlocks = 4;
-    ptrdiff_t firstAt;
-    ptrdiff_t secondAt;
-    ptrdiff_t thirdAt;
-    Probe first;
-    Probe second;
-    Probe third;
-
-    template <typename MakeProbe>
-    ZEL_INLINE Probes(const Zel8u* literal, const RarePlaces& rare, const MakeProbe& probeOf)
-        : firstAt(rare.first),
-          secondAt(rare.second),
-          thirdAt(rare.third),
-          first(probeOf(literal[firstAt])),
-          second(probeOf(literal[secondAt])),
-          third(probeOf(literal[thirdAt])) {}
-
-    ZEL_INLINE bool mayHaveStarts(const Zel8u* p) const {
-        constexpr int kLanes = Probe::kLanes;
-        auto found = first.hits(p + firstAt) & second.hits(p + secondAt);
-        for (int at = kLanes; at < kMaskBits * kBlocks; at += kLanes)
-            found = found | (first.hits(p + at + firstAt) & second.hits(p + at + secondAt));
-        return found.any();
-    }
-    ZEL_INLINE uint64_t starts(const Zel8u* p, ptrdiff_t left) const {
-        const uint64_t bits =
-            memberBits(first, p + firstAt, left) & memberBits(second, p + secondAt, left);
-        return bits != 0 ? bits & memberBits(third, p + thirdAt, left) : 0;
-    }
-};
 
 /// The matches that `lengthAt` finds where the probes are right.
 template <typename Probe, typename LengthAt>
