@@ -17,7 +17,10 @@ namespace {
 // verified pass is its one sample.
 constexpr double kSlowPassSeconds = 0.25;
 
-// Keeps the repetitions' times and prints nothing.
+constexpr int kRounds = 15;
+constexpr int kQuickRounds = 5;
+
+// Keeps what was measured last of each contestant, and prints nothing.
 class Collector : public benchmark::BenchmarkReporter {
 public:
     bool ReportContext(const Context&) override { return true; }
@@ -25,17 +28,25 @@ public:
         for (const Run& run : runs) {
             if (run.run_type != Run::RT_Iteration || run.error_occurred) continue;
             const double iterations = static_cast<double>(run.iterations);
-            seconds[run.run_name.function_name].push_back(
-                {run.cpu_accumulated_time / iterations, run.real_accumulated_time / iterations});
+            last[run.run_name.function_name] = {run.iterations,
+                                                run.cpu_accumulated_time / iterations,
+                                                run.real_accumulated_time / iterations};
         }
     }
 
     struct Times {
+        benchmark::IterationCount iterations;
         double cpu;
         double wall;
     };
-    std::map<std::string, std::vector<Times>> seconds;
+    std::map<std::string, Times> last;
 };
+
+double median(std::vector<double> values) {
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
 
 const char* kindName(Kind kind) {
     switch (kind) {
@@ -80,9 +91,7 @@ Suite::Suite(const char* name, int argc, char** argv)
         }
     }
     std::vector<std::string> arguments{
-        argv[0], "--benchmark_enable_random_interleaving=true",
-        quick_ ? "--benchmark_min_time=0.008" : "--benchmark_min_time=0.011",
-        quick_ ? "--benchmark_repetitions=3" : "--benchmark_repetitions=9"};
+        argv[0], quick_ ? "--benchmark_min_time=0.004" : "--benchmark_min_time=0.005"};
     arguments.insert(arguments.end(), passedOn.begin(), passedOn.end());
     std::vector<char*> pointers;
     for (std::string& argument : arguments) pointers.push_back(argument.data());
@@ -152,39 +161,60 @@ void Suite::enter(const std::string& name, Kind kind, const Answers& answers, do
 }
 
 void Suite::measure(std::size_t calls) {
-    benchmark::ClearRegisteredBenchmarks();
-    bool any = false;
+    std::vector<Entrant*> repeated;
     for (Entrant& entrant : entrants_) {
-        if (!entrant.samples.empty()) continue;
-        benchmark::RegisterBenchmark(entrant.name.c_str(), entrant.loop);
-        any = true;
+        if (entrant.samples.empty()) repeated.push_back(&entrant);
     }
-    if (any) {
-        Collector collector;
+    Collector collector;
+    const auto turn = [&](benchmark::IterationCount iterations, Entrant& entrant) {
+        benchmark::ClearRegisteredBenchmarks();
+        auto* const one = benchmark::RegisterBenchmark(entrant.name.c_str(), entrant.loop);
+        if (iterations != 0) one->Iterations(iterations);
         benchmark::RunSpecifiedBenchmarks(&collector, ".");
-        for (Entrant& entrant : entrants_) {
-            for (const Collector::Times& times : collector.seconds[entrant.name]) {
-                const double seconds = row_.wallTime ? times.wall : times.cpu;
-                entrant.samples.push_back(seconds / static_cast<double>(calls) * 1e9);
-            }
+        return collector.last[entrant.name];
+    };
+    // The first turn of each warms up and tells how many passes the others take.
+    std::map<const Entrant*, benchmark::IterationCount> iterations;
+    for (Entrant* const entrant : repeated) iterations[entrant] = turn(0, *entrant).iterations;
+    for (int round = 0; round < (quick_ ? kQuickRounds : kRounds); ++round) {
+        std::shuffle(repeated.begin(), repeated.end(), order_);
+        for (Entrant* const entrant : repeated) {
+            const Collector::Times times = turn(iterations[entrant], *entrant);
+            const double seconds = row_.wallTime ? times.wall : times.cpu;
+            entrant->samples.push_back(seconds / static_cast<double>(calls) * 1e9);
         }
     }
+    report();
+}
+
+double Suite::timesLibrary(const Entrant& entrant) const {
+    const auto library = std::find_if(entrants_.begin(), entrants_.end(),
+                                      [](const Entrant& one) { return one.kind == Kind::Library; });
+    if (library == entrants_.end()) return 0;
+    std::vector<double> ratios = entrant.samples;
+    if (ratios.size() == library->samples.size()) {
+        for (std::size_t i = 0; i < ratios.size(); ++i) ratios[i] /= library->samples[i];
+        return median(ratios);
+    }
+    return median(ratios) / median(library->samples);
+}
+
+void Suite::report() {
     std::cerr << fullName(row_) << ':';
-    for (Entrant& entrant : entrants_) {
-        std::vector<double>& samples = entrant.samples;
-        if (samples.empty()) continue;
-        std::sort(samples.begin(), samples.end());
-        const double median = samples[samples.size() / 2];
+    for (const Entrant& entrant : entrants_) {
+        const auto [least, most] =
+            std::minmax_element(entrant.samples.begin(), entrant.samples.end());
+        const double ns = median(entrant.samples);
         char line[1024];
         std::snprintf(line, sizeof line,
-                      "%s,\"%s\",\"%s\",\"%s\",%.1f,\"%s\",%s,%zu,%.3f,%.3f,%.3f,%g,%g,\"%s\"",
+                      "%s,\"%s\",\"%s\",\"%s\",%.1f,\"%s\",%s,%zu,%.3f,%.3f,%.3f,%.3f,%g,%g,\"%s\"",
                       name_.c_str(), row_.family.c_str(), row_.variant.c_str(), row_.size.c_str(),
-                      row_.bytes, entrant.name.c_str(), kindName(entrant.kind), samples.size(),
-                      median, samples.front(), samples.back(), row_.mustRatio, row_.mustNs,
-                      row_.mustPeer.c_str());
+                      row_.bytes, entrant.name.c_str(), kindName(entrant.kind),
+                      entrant.samples.size(), ns, *least, *most, timesLibrary(entrant),
+                      row_.mustRatio, row_.mustNs, row_.mustPeer.c_str());
         lines_.emplace_back(line);
-        std::fprintf(stderr, "  %s %.4g ns", entrant.name.c_str(), median);
-        if (row_.bytes > 0) std::fprintf(stderr, " (%.4g GB/s)", row_.bytes / median);
+        std::fprintf(stderr, "  %s %.4g ns", entrant.name.c_str(), ns);
+        if (row_.bytes > 0) std::fprintf(stderr, " (%.4g GB/s)", row_.bytes / ns);
     }
     std::cerr << '\n';
 }
@@ -193,7 +223,7 @@ int Suite::finish() {
     if (!outPath_.empty()) {
         std::ofstream out(outPath_);
         out << "suite,family,variant,size,bytes,contestant,kind,samples,median_ns,min_ns,max_ns,"
-               "must_ratio,must_ns,must_peer\n";
+               "times_library,must_ratio,must_ns,must_peer\n";
         for (const std::string& line : lines_) out << line << '\n';
         out.flush();
         if (!out) {

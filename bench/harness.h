@@ -4,10 +4,12 @@
 // type with a name, a kind and static functions `run(Tag, const Job&)`, and it can do the job when
 // such an overload exists. Before anything is timed, the answers of all contestants to all inputs
 // of the row are compared with those of the first one; a contestant with another answer is
-// reported, left out, and makes the program fail. The repetitions of a row's contestants are then
-// run by Google Benchmark in random order, so that a change of the machine's pace meets all of them
-// alike. Rows run one after another and free their inputs, so only one row's data is in memory at a
-// time.
+// reported, left out, and makes the program fail. Then come the rounds: in each one Google
+// Benchmark runs every contestant for a few milliseconds, in random order. A contestant's time is
+// the median of its rounds. How it stands to the library is taken within each round and is the
+// median of these ratios: a busy host slows whole rounds down, and with them the time of whoever
+// had more of those, but not the ratio. Rows run one after another and free their inputs, so only
+// one row's data is in memory at a time.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -17,6 +19,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <random>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -150,7 +153,7 @@ private:
         std::string name;
         Kind kind;
         std::function<void(benchmark::State&)> loop;
-        std::vector<double> samples;  // nanoseconds a call
+        std::vector<double> samples;  // nanoseconds a call, one for each round
     };
 
     template <class Contestant, class Job, class Tag>
@@ -181,6 +184,8 @@ private:
     void enter(const std::string& name, Kind kind, const Answers& answers, double seconds,
                std::size_t calls, std::function<void(benchmark::State&)> loop);
     void measure(std::size_t calls);
+    double timesLibrary(const Entrant& entrant) const;
+    void report();
 
     static double now();
     static void clearOutput(unsigned char* output, std::size_t bytes);
@@ -199,6 +204,7 @@ private:
     Answers expected_;
     std::string expectedFrom_;
     std::vector<Entrant> entrants_;
+    std::mt19937 order_{20260101};
     std::vector<std::string> lines_;
 };
 

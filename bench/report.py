@@ -38,16 +38,17 @@ class Row:
         self.must_ratio, self.must_ns = float(first["must_ratio"]), float(first["must_ns"])
         self.must_peer = first["must_peer"]
         self.times = {r["contestant"]: float(r["median_ns"]) for r in records}
+        self.times_library = {r["contestant"]: float(r["times_library"]) for r in records}
         self.kinds = {r["contestant"]: r["kind"] for r in records}
         self.ours = self.times.get(LIBRARY)
 
     def best(self, kinds):
         """The fastest peer of the kinds, or None."""
         peers = [name for name in self.times if self.kinds[name] in kinds]
-        return min(peers, key=self.times.get, default=None)
+        return min(peers, key=self.times_library.get, default=None)
 
     def ratio_to(self, peer):
-        return self.times[peer] / self.ours if self.ours and peer in self.times else None
+        return self.times_library.get(peer) or None
 
     @property
     def ratio(self):
@@ -209,11 +210,11 @@ def machine():
 EXPLAINED = {
     "strings": """Each row is one job on one input. Figures are GB/s of input, or nanoseconds a call where the input
 is short; `1..64 B` is a mix of random lengths at random alignments. The best peer is bold; xxHash computes
-another hash and is shown as a ceiling only. *ratio* is the best peer's time divided by the library's:
-above 1 the library is faster.""",
+another hash and is shown as a ceiling only. *ratio* is the best peer's time divided by the library's,
+taken within each round: above 1 the library is faster.""",
     "regex": """Each row is one pattern on one text. Figures are GB/s of text, or nanoseconds a subject (a pattern,
 for compilation) where there is no long text. The best peer is bold. *ratio* is the best peer's time
-divided by the library's: above 1 the library is faster. An engine is missing where it has no such
+divided by the library's, taken within each round: above 1 the library is faster. An engine is missing where it has no such
 pattern, and Hyperscan, which reports every end of every match, takes part only where its answer is that
 of the others.""",
 }
@@ -225,9 +226,9 @@ def markdown(suite, rows, command, peers, plots):
         families[row.family].append(row)
     parts = [
         f"# Benchmark: {suite}",
-        f"Written by `{command}`; do not edit. The figures are medians of the repetitions of one run, in "
-        "which the contestants of a row take turns in random order. Every contestant's answer was compared "
-        "before it was timed.",
+        f"Written by `{command}`; do not edit. The figures and the ratios are medians of the rounds of one "
+        "run, in which the contestants of a row take turns in random order. Every contestant's answer was "
+        "compared before it was timed.",
         EXPLAINED[suite],
         "\n".join("- " + line for line in machine() + ([f"peers: {peers}"] if peers else [])),
         "## Summary\n\n" + summary(rows, families),
