@@ -169,16 +169,40 @@ struct EnclosedCase {
     bool isRead;
 };
 const EnclosedCase kEnclosed[] = {
-    {"signal[a-z]+", "", true},     {"ab[^b]*b", "", true},
-    {"ab\\w*", "", true},           {"xx.*?b", "", true},
-    {"ab.+?a", "", true},           {"er.*", "", true},
-    {"wo[a-z]+ wo", "", true},      {"\xC3\xA9[^ ]+ ", "", true},
-    {"ab[abc]*=", "", true},        {"x[a-z1]+", "", false},
-    {"signal[a-z]+", "i", false},   {"ab\\w{2,}", "", false},
-    {"ab\\w+?", "", false},         {"ab\\w+=", "", false},
-    {"xx.*?ab", "", false},         {"ab[a-z]+b", "", false},
-    {"ab([a-z]+)", "", false},      {"ab[a-z]+=\\d", "", false},
-    {"ab[a-z]+|signal", "", false}, {"ab[a-z\xC3\xA9]+", "", false},
+    {"signal[a-z]+", "", true},
+    {"ab[^b]*b", "", true},
+    {"ab\\w*", "", true},
+    {"xx.*?b", "", true},
+    {"ab.+?a", "", true},
+    {"er.*", "", true},
+    {"wo[a-z]+ wo", "", true},
+    {"\xC3\xA9[^ ]+ ", "", true},
+    {"ab[abc]*=", "", true},
+    {"x[a-z1]+", "", true},
+    {"\"[^\"\\n]*\"", "", true},
+    {"\".*?\"", "", true},
+    {"e[^b]*b", "", true},
+    {"\xC3[^x]+", "", true},
+    {"a.+?r", "", true},
+    {"b\\W*", "", true},
+    {"\"\\w*\"", "", false},
+    {"\xA9[a-z]+", "", false},
+    {"x[a-z1]+1", "", false},
+    {"x[a-z1]+", "i", false},
+    {"x{2}[a-z]+", "", false},
+    {"(?:x)[a-z]+", "", false},
+    {"b(?=x)+", "", false},
+    {"a[^b]{0,9}b", "", false},
+    {"signal[a-z]+", "i", false},
+    {"ab\\w{2,}", "", false},
+    {"ab\\w+?", "", false},
+    {"ab\\w+=", "", false},
+    {"xx.*?ab", "", false},
+    {"ab[a-z]+b", "", false},
+    {"ab([a-z]+)", "", false},
+    {"ab[a-z]+=\\d", "", false},
+    {"ab[a-z]+|signal", "", false},
+    {"ab[a-z\xC3\xA9]+", "", false},
 };
 
 const char* const kFragments[] = {"signal",
@@ -305,17 +329,23 @@ TEST(Plan, SearchesAgreeWithTheModelOnLongTexts) {
     });
 }
 
+bool isEnclosedRun(const std::string& pattern, const std::string& options, int format) {
+    ZelRegExpState* state = nullptr;
+    int offset = 0;
+    EXPECT_EQ(zelsRegExpInitAlloc(pattern.c_str(), options.c_str(), &state, &offset), zelStatusOk);
+    zelsRegExpSetFormat(format, state);
+    zel::StackGuard stack;
+    stack.start();
+    const bool isRead = zel::EnclosedRun().read(*state, stack);
+    zelsRegExpFree(state);
+    return isRead;
+}
+
 TEST(EnclosedRun, IsReadWhereThePatternIsNothingElse) {
     for (const EnclosedCase& enclosed : kEnclosed) {
-        ZelRegExpState* state = nullptr;
-        int offset = 0;
-        ASSERT_EQ(zelsRegExpInitAlloc(enclosed.pattern, enclosed.options, &state, &offset),
-                  zelStatusOk);
-        zelsRegExpSetFormat(zel::kFormatUtf8, state);
-        zel::StackGuard stack;
-        stack.start();
-        EXPECT_EQ(zel::EnclosedRun().read(*state, stack), enclosed.isRead) << enclosed.pattern;
-        zelsRegExpFree(state);
+        EXPECT_EQ(isEnclosedRun(enclosed.pattern, enclosed.options, zel::kFormatUtf8),
+                  enclosed.isRead)
+            << enclosed.pattern;
     }
 }
 
@@ -324,6 +354,41 @@ TEST(EnclosedRun, SearchesAgreeWithTheModelOnLongTexts) {
         for (const EnclosedCase& enclosed : kEnclosed)
             compareOnTexts(enclosed.pattern, enclosed.options, kTexts);
     });
+}
+
+TEST(EnclosedRun, AnyOfThemAgreesWithTheModel) {
+    static const char* const literals[] = {"\"", "a", "b",  "x",  "e",        "=",    " ",
+                                           "\n", "(", "xx", "ab", "\xC3\xA9", "\xC3", "error"};
+    static const char* const atoms[] = {".",      "\\w",         "\\W",  "\\S",      "\\D",
+                                        "[a-z]",  "[ab]",        "[^b]", "[^\"\\n]", "[^=x]",
+                                        "[^a-z]", "[^\xC3\xA9]", "x",    "[^\\x80]"};
+    static const char* const quantifiers[] = {"*", "+", "*?", "+?"};
+    constexpr int kCases = 4000;
+    int read = 0;
+    onDeepStack([&read] {
+        for (int i = 0; i < kCases; ++i) {
+            Random random(2, static_cast<uint64_t>(i));
+            const auto literal = [&random] {
+                const std::string text = random.pick(literals);
+                return text == "(" ? "\\(" : text;
+            };
+            std::string pattern = literal();
+            pattern += random.pick(atoms);
+            pattern += random.pick(quantifiers);
+            if (random.chance(80)) pattern += literal();
+            const RegexpCase testCase = {
+                .pattern = pattern,
+                .options = random.chance(20) ? "gs" : "g",
+                .format = random.below(2),
+                .limit = random.chance(50) ? random.between(200, 3000) : INT_MAX,
+                .subject = someText(random),
+                .behind = 'a',
+                .records = random.chance(20) ? random.between(1, 9) : 400};
+            ASSERT_EQ(compare(testCase), "") << testCase.text();
+            read += isEnclosedRun(pattern, testCase.options, testCase.format);
+        }
+    });
+    EXPECT_GT(read, kCases / 3);
 }
 
 // Nothing but a literal or several; the last ones begin inside of a character, or are more than

@@ -388,7 +388,7 @@ TEST(LiteralKernels, CollectEnclosedRuns) {
         }
         zel::kernels::EnclosedRun run = {};
         run.open = literals[0];
-        run.openLength = 2 + static_cast<int>(random() % 2);
+        run.openLength = 1 + static_cast<int>(random() % 3);
         run.min = static_cast<int>(random() % 2);
         std::copy(std::begin(first.words), std::end(first.words), run.first);
         std::copy(std::begin(set.words), std::end(set.words), run.set);

@@ -16,7 +16,7 @@ bool isLiteral(const Node& node) {
 /// Whether the nodes may be of this kind, without a look into the class.
 bool mayBeEnclosedRun(const ZelRegExpState& state) {
     const Node* const nodes = state.nodes();
-    if (state.nodeCount < 3 || state.groupCount != 1 || nodes[0].kind != NodeString) return false;
+    if (state.nodeCount < 3 || state.groupCount != 1 || !isLiteral(nodes[0])) return false;
     const int behind = nodes[1].kind == NodeCharacterClass ? 2 + nodes[1].count : 2;
     if (behind >= state.nodeCount || !isQuantifier(nodes[behind])) return false;
     const int rest = state.nodeCount - behind - 1;
@@ -29,7 +29,7 @@ bool EnclosedRun::readParts(const OneWay::Part* parts, bool utf8) {
     using Part = OneWay::Part;
     const Part& open = parts[0];
     const Part& run = parts[1];
-    if (open.kind != Part::kText || open.length < 2) return false;
+    if (open.kind != Part::kText) return false;
     if (utf8 && (*open.text & 0xC0) == 0x80) return false;
     if (run.max != kUnbounded || run.min > 1 || run.stopsAtWide) return false;
     ByteSet set = run.set;

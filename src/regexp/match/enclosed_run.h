@@ -1,7 +1,6 @@
 // Patterns that are a literal, a run of bytes behind it, and perhaps a literal that ends the run:
-// `0x[0-9a-f]+`, `href="[^"]*"`, `error: .*`. At each place of the first literal there is one match
-// or none, so all of them can be collected without the engine. The literal has several bytes: after
-// a single one, which is not rare, the search by plan is as fast.
+// `0x[0-9a-f]+`, `"[^"]*"`, `error: .*`. At each place of the first literal there is one match or
+// none, so all of them can be collected without the engine.
 #pragma once
 
 #include "regexp/match/one_way.h"

@@ -136,7 +136,7 @@ int collectLiterals(const Zel8u* p, int len, const LiteralSet* set, ZelRegExpFin
 /// A literal, the run of bytes of a set that begins behind it, and behind that another literal.
 struct EnclosedRun {
     const Zel8u* open;
-    int openLength;  // at least 2
+    int openLength;  // at least 1
     int min;         // 1 when the run's first byte has to be there, and one of `first`; or 0
     uint64_t first[4];
     uint64_t set[4];

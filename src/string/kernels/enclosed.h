@@ -23,14 +23,12 @@ public:
 
     /// The match's length, 0 when there is none, or none that begins behind the match before.
     ZEL_INLINE int lengthAt(const Zel8u* at) {
-        if (at < behind_ || budget_ < 0 || !isSame(at, run_.open, run_.openLength)) return 0;
+        if (at < behind_ || budget_ < 0 || !opensAt(at)) return 0;
         const Zel8u* stop = at + run_.openLength;
         const bool isLongEnough = run_.min == 0 || (stop < end_ && isFirst(*stop));
         if (isLongEnough) {
             stop += run_.min;
-            const int left = static_cast<int>(end_ - stop);
-            const int length = firstHit(stop, left, others_);
-            stop += length == kNotFound ? left : length;
+            stop = runEnd(stop);
         }
         const ptrdiff_t length = stop + run_.closeLength - at;
         budget_ -= run_.nodes + length * run_.price;
@@ -41,6 +39,20 @@ public:
 
 private:
     ZEL_INLINE bool isFirst(Zel8u byte) const { return run_.first[byte >> 6] >> (byte & 63) & 1; }
+    /// Of a literal of two bytes the probes have seen everything.
+    ZEL_INLINE bool opensAt(const Zel8u* at) const {
+        return run_.openLength <= 2 || isSame(at, run_.open, run_.openLength);
+    }
+    /// Where the run that begins at `stop` ends; most are short.
+    ZEL_INLINE const Zel8u* runEnd(const Zel8u* stop) const {
+        const int left = static_cast<int>(end_ - stop);
+        if (left >= NotInClass::kLanes) [[likely]] {
+            const Mask<Zel8u> others = others_.hits(stop).mask();
+            if (others.any()) return stop + others.first();
+        }
+        const int length = firstHit(stop, left, others_);
+        return stop + (length == kNotFound ? left : length);
+    }
     ZEL_INLINE bool closesAt(const Zel8u* stop) const {
         if (end_ - stop < run_.closeLength) return false;
         if (run_.closeLength == 1) return *stop == *run_.close;

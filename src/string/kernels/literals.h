@@ -83,12 +83,36 @@ ZEL_INLINE int collectMatches(const Zel8u* p, ptrdiff_t positions, const Gather&
     return count;
 }
 
+/// Writes places that are in many blocks: first the blocks that have any, which cannot be guessed,
+/// then the places in these. `bitsAt(at)` gives the bits of the 64 positions from `at` on.
+template <typename BitsAt>
+ZEL_INLINE Zel16u* writeFrequent(const Zel8u* from, ptrdiff_t left, const BitsAt& bitsAt,
+                                 Zel16u* out) {
+    uint64_t bits[kBatchBlocks];
+    int block[kBatchBlocks];
+    int count = 0;
+    for (int at = 0; at < left; at += kMaskBits) {
+        prefetchNextBatch(from + at);
+        bits[count] = bitsAt(at);
+        block[count] = at;
+        count += bits[count] != 0;
+    }
+    for (int i = 0; i < count; ++i) out = writePlaces(bits[i], block[i], out);
+    return out;
+}
+
 /// The matches that `lengthAt` finds where the probes are right.
 template <typename Probe, typename LengthAt>
 ZEL_INLINE int collectProbed(const Zel8u* p, ptrdiff_t positions, const Probes<Probe>& probes,
                              const LengthAt& lengthAt, ZelRegExpFind* matches, int capacity) {
     const auto gather = [&](const Zel8u* from, ptrdiff_t left, Zel16u* out) {
         constexpr int kBlocks = Probes<Probe>::kBlocks;
+        if (probes.isOneByte()) {
+            const auto bitsAt = [&](ptrdiff_t at) {
+                return memberBits(probes.first, from + at, left - at);
+            };
+            return writeFrequent(from, left, bitsAt, out);
+        }
         int at = 0;
         for (; left - at >= kMaskBits * kBlocks; at += kMaskBits * kBlocks) {
             for (int i = 0; i < kBlocks; ++i) prefetchNextBatch(from + at + kMaskBits * i);
@@ -152,20 +176,12 @@ ZEL_INLINE int collectByPrefix(const Zel8u* p, int len, const kernels::LiteralSe
     const PrefixFilter<kDepth> filter(set.prefix);
     const Zel8u* const end = p + len;
     const auto gather = [&](const Zel8u* from, ptrdiff_t left, Zel16u* out) {
-        // First the blocks that have any, which cannot be guessed, then the places in these.
-        uint64_t bits[kBatchBlocks];
-        int block[kBatchBlocks];
-        int count = 0;
-        for (int at = 0; at < left; at += kMaskBits) {
-            prefetchNextBatch(from + at);
+        const auto bitsAt = [&](ptrdiff_t at) {
             const bool isWhole = left - at >= kMaskBits;
-            bits[count] = PrefixProbe::kIsQuick && isWhole ? filter.likelyStarts(from + at)
-                                                           : filter.starts(from + at, left - at);
-            block[count] = at;
-            count += bits[count] != 0;
-        }
-        for (int i = 0; i < count; ++i) out = writePlaces(bits[i], block[i], out);
-        return out;
+            return PrefixProbe::kIsQuick && isWhole ? filter.likelyStarts(from + at)
+                                                    : filter.starts(from + at, left - at);
+        };
+        return writeFrequent(from, left, bitsAt, out);
     };
     const auto lengthAt = [&](const Zel8u* at) {
         for (Zel32u which = headsAt(at, end, set); which != 0; which &= which - 1) {

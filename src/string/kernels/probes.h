@@ -27,6 +27,7 @@ struct Probes {
           second(probeOf(literal[secondAt])),
           third(probeOf(literal[thirdAt])) {}
 
+    bool isOneByte() const { return firstAt == secondAt; }
     /// The starts of a vector that the first two let through.
     ZEL_INLINE auto hits(const Zel8u* p) const {
         return first.hits(p + firstAt) & second.hits(p + secondAt);
