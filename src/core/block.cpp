@@ -13,19 +13,17 @@ namespace {
 
 // The shortest calls are done at once; see isShortCall for the others.
 
-ZEL_INLINE void copyRange(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+ZEL_INLINE ZelStatus copyRange(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
     if (repeats(src, dst, n)) [[unlikely]]
-        copyForward(src, dst, n);
-    else
-        moveRange(src, dst, n);
+        return copyForward(src, dst, n);
+    return moveRange(src, dst, n);
 }
 
 template <auto moveBytes>
 [[gnu::noinline]] ZelStatus moveOtherwise(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
     if (anyNull(src, dst)) return zelStatusNullPointer;
     if (n < 1) return zelStatusSizeError;
-    moveBytes(src, dst, n);
-    return zelStatusOk;
+    return moveBytes(src, dst, n);
 }
 
 ZEL_INLINE bool isShortestMove(const Zel8u* src, const Zel8u* dst, ptrdiff_t n) {

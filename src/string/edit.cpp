@@ -66,8 +66,7 @@ ZEL_INLINE ZelStatus concat(const T* src1, int len1, const T* src2, int len2, T*
     if (anyNull(src1, src2, dst)) return zelStatusNullPointer;
     if (anyNegative(len1, len2)) return zelStatusLengthError;
     copyElements(src1, dst, len1);
-    copyElements(src2, dst + len1, len2);
-    return zelStatusOk;
+    return copyElements(src2, dst + len1, len2);
 }
 
 template <typename T>

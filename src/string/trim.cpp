@@ -13,8 +13,7 @@ namespace {
 template <typename T>
 ZEL_INLINE ZelStatus finish(const T* src, Kept kept, T* dst, int* dstLen) {
     *dstLen = kept.count;
-    copyElements(src + kept.first, dst, kept.count);
-    return zelStatusOk;
+    return copyElements(src + kept.first, dst, kept.count);
 }
 
 template <typename T>

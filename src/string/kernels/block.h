@@ -1,8 +1,9 @@
 // Copying, moving and clearing of valid ranges, by bytes. A count may be zero or negative, which
-// does nothing.
+// does nothing. Copies and moves answer zelStatusOk, so that a caller whose last they are can go
+// there without coming back.
 //
 // Up to four vectors are loaded before the first is stored, so that it does not matter how the
-// ranges lie. What is longer goes in rounds of four, from the end where the rest of the source
+// ranges lie. What is longer goes in rounds of a few, from the end where the rest of the source
 // would be overwritten otherwise, and what is much longer is left to the C library. One thing it
 // has no function for: a copy to a higher address inside its own source, which repeats the leading
 // bytes.
@@ -79,22 +80,27 @@ ZEL_INLINE void moveUpToTwo(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
 
 #endif
 
-/// Four vectors in a row, all loaded before the first is stored.
-struct FourVectors {
-    using V = Vec<Zel8u>;
-    V a, b, c, d;
+/// A few vectors in a row, all loaded before the first is stored. A tree of them, because compilers
+/// keep the elements of an array in memory.
+template <int count>
+struct VectorRow {
+    static constexpr ptrdiff_t kBytes = count * Vec<Zel8u>::kBytes;
+    VectorRow<count / 2> low, high;
 
-    ZEL_INLINE static FourVectors load(const Zel8u* p) {
-        constexpr ptrdiff_t k = V::kBytes;
-        return {V::load(p), V::load(p + k), V::load(p + 2 * k), V::load(p + 3 * k)};
+    ZEL_INLINE static VectorRow load(const Zel8u* p) {
+        return {VectorRow<count / 2>::load(p), VectorRow<count / 2>::load(p + kBytes / 2)};
     }
     ZEL_INLINE void store(Zel8u* p) const {
-        constexpr ptrdiff_t k = V::kBytes;
-        a.store(p);
-        b.store(p + k);
-        c.store(p + 2 * k);
-        d.store(p + 3 * k);
+        low.store(p);
+        high.store(p + kBytes / 2);
     }
+};
+template <>
+struct VectorRow<1> {
+    Vec<Zel8u> v;
+
+    ZEL_INLINE static VectorRow load(const Zel8u* p) { return {Vec<Zel8u>::load(p)}; }
+    ZEL_INLINE void store(Zel8u* p) const { v.store(p); }
 };
 
 /// Moves n bytes, at most kShortBlock.
@@ -127,62 +133,59 @@ ZEL_INLINE bool trailsItsStores(const Zel8u* src, const Zel8u* dst) {
     return static_cast<size_t>(dst - src) % kPage - 1 < kStoresInFlight;
 }
 
+/// What a round of moveLong moves. The last round overlaps the one before it, so that there is no
+/// rest to be counted; the shorter it is, the less is stored twice.
+using Round = VectorRow<Vec<Zel8u>::kBytes == 64 ? 2 : 4>;
+
 /// Moves n bytes, more than kShortBlock. Whole vectors of the destination are stored in the middle;
 /// both ends are loaded before anything is stored, and stored last.
-[[gnu::noinline]] inline void moveLong(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+[[gnu::noinline]] inline ZelStatus moveLong(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
     using V = Vec<Zel8u>;
-    constexpr ptrdiff_t k = V::kBytes;
-    if (n <= 8 * k) {
-        const FourVectors low = FourVectors::load(src);
-        const FourVectors high = FourVectors::load(src + n - 4 * k);
-        low.store(dst);
-        high.store(dst + n - 4 * k);
-        return;
-    }
     if (n > kLongBlock) {
         memmove(dst, src, static_cast<size_t>(n));
-        return;
+        return zelStatusOk;
     }
+    const ptrdiff_t rest = n - Round::kBytes;
     const auto size = static_cast<size_t>(n);
     const bool upIsSafe = static_cast<size_t>(dst - src) >= size;
     const bool downIsSafe = static_cast<size_t>(src - dst) >= size;
-    if (upIsSafe && !(downIsSafe && trailsItsStores(src, dst))) {
-        const ptrdiff_t rest = n - 4 * k;
+    if (upIsSafe && !(trailsItsStores(src, dst) && downIsSafe)) [[likely]] {
         const V first = V::load(src);
-        const FourVectors high = FourVectors::load(src + rest);
-        for (ptrdiff_t at = toBoundary(dst); at < rest; at += 4 * k)
-            FourVectors::load(src + at).store(dst + at);
+        const Round last = Round::load(src + rest);
+        for (ptrdiff_t at = toBoundary(dst); at < rest; at += Round::kBytes)
+            Round::load(src + at).store(dst + at);
         first.store(dst);
-        high.store(dst + rest);
+        last.store(dst + rest);
     } else {
-        const V last = V::load(src + n - k);
-        const FourVectors low = FourVectors::load(src);
-        for (ptrdiff_t at = n - fromBoundary(dst + n) - 4 * k; at > 0; at -= 4 * k)
-            FourVectors::load(src + at).store(dst + at);
-        last.store(dst + n - k);
-        low.store(dst);
+        const V last = V::load(src + n - V::kBytes);
+        const Round first = Round::load(src);
+        for (ptrdiff_t at = rest - fromBoundary(dst + n); at > 0; at -= Round::kBytes)
+            Round::load(src + at).store(dst + at);
+        last.store(dst + n - V::kBytes);
+        first.store(dst);
     }
+    return zelStatusOk;
 }
 
 /// Copies n bytes to an address less than n above the source: the bytes before dst over and over.
 /// What has been written is itself the source of the next, twice as long piece.
-[[gnu::noinline]] inline void repeatBytes(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+[[gnu::noinline]] inline ZelStatus repeatBytes(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
     for (ptrdiff_t period = dst - src; n > 0; period *= 2) {
         const ptrdiff_t piece = period < n ? period : n;
         memcpy(dst, src, static_cast<size_t>(piece));
         dst += piece;
         n -= piece;
     }
+    return zelStatusOk;
 }
 
 /// Moves n bytes so that overlapping ranges keep their content in either direction.
-ZEL_INLINE void moveRange(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
-    if (n <= kShortBlock) [[likely]] {
-        if (n > 0) [[likely]]
-            moveShort(src, dst, n);
-    } else {
-        moveLong(src, dst, n);
-    }
+ZEL_INLINE ZelStatus moveRange(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+    if (n > kShortBlock) [[unlikely]]
+        return moveLong(src, dst, n);
+    if (n > 0) [[likely]]
+        moveShort(src, dst, n);
+    return zelStatusOk;
 }
 
 /// Whether a copy begins inside its source. A negative n is a large number here.
@@ -192,14 +195,14 @@ ZEL_INLINE bool repeats(const Zel8u* src, const Zel8u* dst, ptrdiff_t n) {
 
 /// Copies n bytes as if one by one from index 0 up, also when the ranges overlap: a copy to a lower
 /// address is exact, a copy to a higher one inside the source repeats the leading bytes.
-ZEL_INLINE void copyForward(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
-    if (repeats(src, dst, n)) [[unlikely]] {
-        if (n > 0 && src != dst) repeatBytes(src, dst, n);
-    } else if (n <= kShortestBlock) [[likely]] {
+ZEL_INLINE ZelStatus copyForward(const Zel8u* src, Zel8u* dst, ptrdiff_t n) {
+    if (repeats(src, dst, n)) [[unlikely]]
+        return n > 0 && src != dst ? repeatBytes(src, dst, n) : zelStatusOk;
+    if (n <= kShortestBlock) [[likely]] {
         moveShortest(src, dst, n);
-    } else {
-        moveRange(src, dst, n);
+        return zelStatusOk;
     }
+    return moveRange(src, dst, n);
 }
 
 /// Clears n bytes.
@@ -221,17 +224,18 @@ ZEL_INLINE void clearRange(Zel8u* dst, ptrdiff_t n) {
     }
 }
 
-/// The element forms: n counts elements of T.
+/// The element forms: n counts elements of T. A function that ends with a copy ends with its
+/// answer.
 template <typename T>
-ZEL_INLINE void copyElements(const T* src, T* dst, ptrdiff_t n) {
-    copyForward(reinterpret_cast<const Zel8u*>(src), reinterpret_cast<Zel8u*>(dst),
-                n * static_cast<ptrdiff_t>(sizeof(T)));
+ZEL_INLINE ZelStatus copyElements(const T* src, T* dst, ptrdiff_t n) {
+    return copyForward(reinterpret_cast<const Zel8u*>(src), reinterpret_cast<Zel8u*>(dst),
+                       n * static_cast<ptrdiff_t>(sizeof(T)));
 }
 
 template <typename T>
-ZEL_INLINE void moveElements(const T* src, T* dst, ptrdiff_t n) {
-    moveRange(reinterpret_cast<const Zel8u*>(src), reinterpret_cast<Zel8u*>(dst),
-              n * static_cast<ptrdiff_t>(sizeof(T)));
+ZEL_INLINE ZelStatus moveElements(const T* src, T* dst, ptrdiff_t n) {
+    return moveRange(reinterpret_cast<const Zel8u*>(src), reinterpret_cast<Zel8u*>(dst),
+                     n * static_cast<ptrdiff_t>(sizeof(T)));
 }
 
 }  // namespace zel::ZEL_ISA

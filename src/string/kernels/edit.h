@@ -96,8 +96,7 @@ template <typename T>
                                        T* dst, int start) {
     copyElements(src, dst, start);
     moveElements(src + start, dst + start + lenInsert, len - start);
-    copyElements(insert, dst + start, lenInsert);
-    return zelStatusOk;
+    return copyElements(insert, dst + start, lenInsert);
 }
 
 template <typename T>
@@ -116,8 +115,7 @@ template <typename T>
 template <typename T>
 [[gnu::noinline]] ZelStatus removeLong(const T* src, int len, T* dst, int start, int lenRemove) {
     copyElements(src, dst, start);
-    copyElements(src + start + lenRemove, dst + start, len - start - lenRemove);
-    return zelStatusOk;
+    return copyElements(src + start + lenRemove, dst + start, len - start - lenRemove);
 }
 
 template <typename T>
