@@ -17,10 +17,18 @@ ZEL_INLINE ZelStatus finish(const T* src, Kept kept, T* dst, int* dstLen) {
 }
 
 template <typename T>
+[[gnu::noinline]] ZelStatus trimCLong(const T* src, int len, T val, T* dst, int* dstLen) {
+    return finish(src, keptInLong<kBothEnds>(src, len, Differs<T>::from(val)), dst, dstLen);
+}
+
+template <typename T>
 ZEL_INLINE ZelStatus trimC(const T* src, int len, T val, T* dst, int* dstLen) {
     if (anyNull(src, dst, dstLen)) return zelStatusNullPointer;
     if (anyNegative(len)) return zelStatusLengthError;
-    return finish(src, keptWithout<kBothEnds>(src, len, EqualsAnyOf<T, 1>::of(&val)), dst, dstLen);
+    if (len > Vec<T>::kLanes) [[unlikely]]
+        return trimCLong(src, len, val, dst, dstLen);
+    const Mask<T> kept{Mask<T>::firstN(len).bits ^ equalFirst(src, len, val).bits};
+    return finish(src, keptInMask<kBothEnds>(kept, len), dst, dstLen);
 }
 
 template <typename T>

@@ -26,7 +26,7 @@ int findByte(const Zel8u* p, int len, Zel8u c) {
 }
 
 int findByteNot(const Zel8u* p, int len, Zel8u c) {
-    return orLength(firstHit(p, len, Differs<Zel8u>{Vec<Zel8u>::splat(c)}), len);
+    return orLength(firstHit(p, len, Differs<Zel8u>::from(c)), len);
 }
 
 int findByteRev(const Zel8u* p, int len, Zel8u c) {

@@ -117,10 +117,10 @@ struct Differs {
     static constexpr int kLanes = Vec<T>::kLanes;
     Vec<T> value;
 
-    ZEL_INLINE Mask<T> maskOf(Vec<T> v) const { return ~Mask<T>{equalBits(v, value)}; }
-    ZEL_INLINE MaskHits<T> hits(const T* p) const { return {maskOf(Vec<T>::load(p))}; }
+    ZEL_INLINE static Differs from(T value) { return {Vec<T>::splat(value)}; }
+    ZEL_INLINE Differences<T> hits(const T* p) const { return difference(Vec<T>::load(p), value); }
     ZEL_INLINE Mask<T> maskFirst(const T* p, int n) const {
-        return maskOf(Vec<T>::loadFirst(p, n));
+        return ~Mask<T>{equalBits(Vec<T>::loadFirst(p, n), value)};
     }
 };
 

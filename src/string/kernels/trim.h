@@ -29,21 +29,29 @@ struct Not {
 /// What is left between the first and the last of the elements in a mask of the whole text.
 template <Ends ends, typename T>
 ZEL_INLINE Kept keptInMask(Mask<T> kept, int len) {
-    const int first = ends & kStart ? kept.firstBelow(len) : 0;
-    const int last = ends & kEnd ? kept.lastOrNotFound() : len - 1;
-    return kept.any() ? Kept{first, last - first + 1} : Kept{0, 0};
+    if (!kept.any()) [[unlikely]]
+        return {0, 0};
+    const int first = ends & kStart ? kept.first() : 0;
+    const int last = ends & kEnd ? kept.last() : len - 1;
+    return {first, last - first + 1};
+}
+
+/// What is left when the elements that a test does not accept are trimmed from a text that is
+/// longer than its block.
+template <Ends ends, typename T, typename Test>
+ZEL_INLINE Kept keptInLong(const T* src, int len, const Test& kept) {
+    const int first = ends & kStart ? findHitLong<From::Start>(src, len, kept) : 0;
+    if (first < 0) return {0, 0};
+    const int last = ends & kEnd ? findHitLong<From::End>(src, len, kept) : len - 1;
+    return {first, last - first + 1};
 }
 
 /// What is left when the elements that a test accepts are trimmed.
 template <Ends ends, typename T, typename Test>
 ZEL_INLINE Kept keptWithout(const T* src, int len, const Test& test) {
     const Not<T, Test> kept{test};
-    if (len <= Test::kLanes) [[likely]]
-        return keptInMask<ends>(kept.maskFirst(src, len) & Mask<T>::firstN(len), len);
-    const int first = ends & kStart ? findHitLong<From::Start>(src, len, kept) : 0;
-    if (first < 0) return {0, 0};
-    const int last = ends & kEnd ? findHitLong<From::End>(src, len, kept) : len - 1;
-    return {first, last - first + 1};
+    if (len > Test::kLanes) return keptInLong<ends>(src, len, kept);
+    return keptInMask<ends>(kept.maskFirst(src, len) & Mask<T>::firstN(len), len);
 }
 
 /// The same for any set, element by element.
