@@ -93,6 +93,13 @@ template <bool swapBytes>
     return zelStatusOk;
 }
 
+// Converts a text that may be short and ordinary, as most short texts are.
+[[gnu::noinline]] ZelStatus convertShortTo16(const Zel8u* src, int* srcLen, Zel16u* dst,
+                                             int* dstLen) {
+    if (convertShort(src, *srcLen, dst, dstLen)) return zelStatusOk;
+    return convertTo16<false>(src, srcLen, dst, dstLen);
+}
+
 // Converts one character after the other for a while. Answers whether all of them did fit. A
 // function of its own, which leaves the registers to the blocks.
 template <bool swapBytes>
@@ -123,10 +130,12 @@ ZelStatus zelsConvertUTF_8u16u(const Zel8u* pSrc, int* pSrcLen, Zel16u* pDst, in
                                int swapBytes) {
     if (anyNull(pSrc, pSrcLen, pDst, pDstLen)) return zelStatusNullPointer;
     if (swapBytes != 0) return convertTo16<true>(pSrc, pSrcLen, pDst, pDstLen);
-    if (!convertShortAscii(pSrc, *pSrcLen, pDst, *pDstLen))
-        return convertTo16<false>(pSrc, pSrcLen, pDst, pDstLen);
-    *pDstLen = *pSrcLen;
-    return zelStatusOk;
+    if (convertShortAscii(pSrc, *pSrcLen, pDst, *pDstLen)) {
+        *pDstLen = *pSrcLen;
+        return zelStatusOk;
+    }
+    if (*pSrcLen <= kShortUtf8) return convertShortTo16(pSrc, pSrcLen, pDst, pDstLen);
+    return convertTo16<false>(pSrc, pSrcLen, pDst, pDstLen);
 }
 
 ZelStatus zelsConvertUTF_16u8u(const Zel16u* pSrc, int* pSrcLen, Zel8u* pDst, int* pDstLen,

@@ -6,8 +6,9 @@
 // high byte of its unit, at its own place, from itself and the two bytes behind it; of a pair of
 // surrogates the second is made at the second byte. Two compressions then close the gaps. A
 // character belongs to the block in which it begins; its bytes in the next block are checked there
-// against what this one says, and skipped, but for a second byte that is owed a unit. A block whose
-// longest sequences have two bytes, or three, takes a shorter way.
+// against what this one says, and skipped, but for a second byte that is owed a unit. Where no such
+// block follows, the character is taken back. A block whose longest sequences have two bytes, or
+// three, takes a shorter way, and a text of less than a block one without loops.
 //
 // AVX2 does the same with 32 bytes, sequences of up to three, and a shuffle for every eight bytes
 // in place of the compressions. SSE2 widens ASCII.
@@ -21,21 +22,20 @@ using To16 = Cursor<Zel8u, Zel16u>;
 
 #if defined(ZEL_ISA_AVX512)
 
-/// 64 bytes of text, and those that are one to three bytes further on.
+/// 64 bytes of text, and those that are a byte or two further on.
 struct Utf8Block {
     const Zel8u* p;
 
     ZEL_INLINE __m512i from(int at) const { return _mm512_loadu_si512(p + at); }
 };
 
-/// The same at the end of a text, of which n bytes are left; zeros behind.
+/// The same at the end of a text, of which n bytes are left, at most 255; zeros behind.
 struct LastUtf8Block {
     const Zel8u* p;
-    long n;
+    int n;
 
     ZEL_INLINE __m512i from(int at) const {
-        const long rest = n - at < 64 ? n - at : 64;
-        return Vec<Zel8u>::loadFirst(p + at, rest > 0 ? static_cast<int>(rest) : 0).v;
+        return Vec<Zel8u>::loadFirst(p + at, n > at ? n - at : 0).v;
     }
 };
 
@@ -45,53 +45,83 @@ public:
 
     /// Answers where it ended.
     ZEL_INLINE To16 run() {
-        int asciiBlocks = 0;
-        while (at_.readable() >= kWhole && at_.room >= 64) {
+        while (isWhole()) {
             const Utf8Block block = {at_.src};
-            const __m512i bytes = block.from(0);
-            if (_mm512_movepi8_mask(bytes) == 0) {
-                widen(bytes);
-                if (++asciiBlocks >= kAsciiBeforeStream && at_.remaining >= kWorthStreaming) {
-                    stream();
-                    asciiBlocks = 0;
-                }
-            } else {
-                if (!convert(block, 64)) return end();
-                asciiBlocks = 0;
+            const Lanes high = _mm512_movepi8_mask(block.from(0));
+            if (high.bits == 0) {
+                if (begun() != 0) return end();
+                last_ = {0, 0, 0};
+                widenBlocks();
+            } else if (!convert(block, 64, high)) {
+                return end();
             }
         }
         while (at_.remaining > 0 && at_.room > 0) {
-            const long available = at_.readable();
-            const int n = static_cast<int>(available < 64 ? available : 64);
+            // Where the text goes on behind what may be read, no character of a block may.
+            const long readable = at_.readable();
+            const bool isCut = readable < at_.remaining && readable > 63;
+            const int available = isCut ? 63 : static_cast<int>(readable);
+            const int n = available < 64 ? available : 64;
             const LastUtf8Block block = {at_.src, available};
             const __m512i bytes = block.from(0);
-            if (_mm512_movepi8_mask(bytes) == 0) {
+            const Lanes high = _mm512_movepi8_mask(bytes);
+            if (high.bits == 0) {
+                if (begun() != 0) break;
+                last_ = {0, 0, 0};
                 widenFirst(bytes, static_cast<int>(at_.room < n ? at_.room : n));
-            } else if (!convert(block, n)) {
+            } else if (!convert(block, n, high)) {
                 break;
             }
         }
         return end();
     }
 
+    /// Converts a text of less than 64 bytes, if it is ordinary. Answers how much room is left, or
+    /// less than nothing.
+    ZEL_INLINE long runShort() {
+        const int n = static_cast<int>(at_.remaining);
+        const LastUtf8Block block = {at_.src, n};
+        const bool isOrdinary = convert(block, n, _mm512_movepi8_mask(block.from(0)));
+        return isOrdinary ? at_.room : -1;
+    }
+
 private:
-    // A block and the bytes behind it that its last character may take.
-    static constexpr int kWhole = 67;
+    // A block and the bytes behind it that are loaded with it.
+    static constexpr int kWhole = 66;
     // What is left of a text when its units no longer fit into any core's own caches, and how much
     // ASCII there has been when more can be hoped for.
     static constexpr long kWorthStreaming = 16 << 20;
     static constexpr int kAsciiBeforeStream = 64;
 
-    /// Passes over what the last character has taken of the next block, or takes back the first
-    /// half of its pair.
+    ZEL_INLINE bool isWhole() const { return at_.remaining >= kWhole && at_.room >= kWhole; }
+
+    /// How many bytes of the last block belong to a character that goes on behind it: 1, 2 or 3 at
+    /// the bit of as many less one.
+    ZEL_INLINE uint64_t begun() const {
+        return last_.any >> 63 | (last_.three >> 61 & 2) | (last_.four >> 59 & 4);
+    }
+    /// Takes back such a character, as nobody has looked at the rest of it.
     ZEL_INLINE To16 end() {
-        if (pairOwed_ != 0)
-            at_.advance(-1, -1);
-        else
-            at_.advance(__builtin_popcountll(owed_), 0);
+        if (const uint64_t bit = begun(); bit != 0) {
+            const bool isPair = (last_.four >> 61 & 3) != 0;
+            at_.advance(-(64 - __builtin_clzll(bit)), isPair ? -2 : -1);
+        }
         return at_;
     }
 
+    /// Widens blocks of ASCII, of which there is one at least.
+    ZEL_INLINE void widenBlocks() {
+        int blocks = 0;
+        do {
+            const __m512i bytes = _mm512_loadu_si512(at_.src);
+            if (_mm512_movepi8_mask(bytes) != 0) break;
+            widen(bytes);
+            if (++blocks >= kAsciiBeforeStream && at_.remaining >= kWorthStreaming) {
+                stream();
+                blocks = 0;
+            }
+        } while (isWhole());
+    }
     /// Widens 64 bytes of ASCII.
     ZEL_INLINE void widen(__m512i bytes) {
         const __m256i upper = _mm512_extracti64x4_epi64(bytes, 1);
@@ -129,89 +159,92 @@ private:
         at_.advance(n, n);
     }
 
-    /// What is known of the bytes of a block that was looked at: which of them are 0x80 or more,
-    /// which begin a sequence and which of two, three or four bytes.
+    /// A mask of lanes that is counted with as well. Compilers would move it to and fro.
+    struct Lanes {
+        __mmask64 mask;
+        uint64_t bits;
+
+        ZEL_INLINE Lanes(__mmask64 lanes) : mask(lanes), bits(inGeneralRegister(lanes)) {}
+    };
+
+    /// Which bytes of a block begin a sequence, one of three bytes or more, one of four.
     struct Leads {
-        uint64_t high, any, three;
+        uint64_t any, three, four;
     };
 
     /// Converts the first n bytes, at most 64, if the characters that begin there are ordinary and
-    /// fit.
+    /// fit. Those of 0x80 or more are known.
     template <typename Block>
-    ZEL_INLINE bool convert(const Block& block, int n) {
+    ZEL_INLINE bool convert(const Block& block, int n, const Lanes& high) {
         const __m512i v0 = block.from(0);
-        const uint64_t high = _mm512_movepi8_mask(v0);
-        const uint64_t continuation = continuationsOf(v0);
-        const uint64_t three = inGeneralRegister(_mm512_cmpge_epu8_mask(v0, splatByte<0xE0>()));
-        const Leads lead = {high, high & ~continuation, three};
-        const uint64_t begins = ~continuation & lowBits(n);
-        if ((three | pairOwed_) == 0) return convertTwos(block, n, lead, begins);
-        const uint64_t four = inGeneralRegister(_mm512_cmpge_epu8_mask(v0, splatByte<0xF0>()));
-        if ((four | pairOwed_) == 0) return convertLong<false>(block, n, lead, 0, begins);
-        return convertLong<true>(block, n, lead, four, begins);
+        const Lanes three = _mm512_cmpge_epu8_mask(v0, splatByte<0xE0>());
+        if ((three.bits | last_.three) == 0) return convertTwos(block, n, high);
+        const Lanes four = _mm512_cmpge_epu8_mask(v0, splatByte<0xF0>());
+        if ((four.bits | last_.four) == 0) return convertLong<false>(block, n, high, three, four);
+        return convertLong<true>(block, n, high, three, four);
     }
 
     /// A block of ASCII and sequences of two.
     template <typename Block>
-    ZEL_INLINE bool convertTwos(const Block& block, int n, const Leads& lead, uint64_t begins) {
+    ZEL_INLINE bool convertTwos(const Block& block, int n, const Lanes& high) {
         const __m512i v0 = block.from(0), v1 = block.from(1);
+        const uint64_t continuation = continuationsOf(v0);
+        const uint64_t lead = high.bits & ~continuation;
         const __m512i pairOfLeads = _mm512_and_si512(v0, splatByte<0xFE>());
         const uint64_t overlong = _mm512_cmpeq_epi8_mask(pairOfLeads, splatByte<0xC0>());
-        const uint64_t owed = lead.any >> 63;
-        const uint64_t next = continuationsOf(v1) >> 63;
-        const uint64_t wrong = (lead.any << 1 | owed_) ^ (lead.high ^ lead.any);
-        if ((wrong | overlong | (owed & ~next)) != 0) return false;
+        const uint64_t wrong = shifted<1>(lead, last_.any) ^ continuation;
+        if ((wrong | overlong) != 0) return false;
 
-        const __m512i low = choose(splatByte<0x3F>(), v1, _mm512_slli_epi16(v0, 6));
-        const __m512i top = _mm512_and_si512(_mm512_srli_epi16(v0, 2), splatByte<0x07>());
-        if (!store(begins, _mm512_mask_mov_epi8(v0, lead.high, low),
-                   _mm512_maskz_mov_epi8(lead.high, top), n))
-            return false;
-        owed_ = owed;
+        // The mark of the last byte, 0x80, takes back that of the first one's bits.
+        const __m512i low = _mm512_mask_add_epi8(v0, high.mask, moveBits<6, 0xC0, 0x80>(v0), v1);
+        const __m512i top = _mm512_maskz_mov_epi8(high.mask, moveBits<-2, 0x07>(v0));
+        if (!store(~continuation & lowBits(n), low, top, n)) return false;
+        last_ = {lead, 0, 0};
         return true;
     }
 
     /// A block with longer sequences; of four only if it says so.
     template <bool hasPairs, typename Block>
-    ZEL_INLINE bool convertLong(const Block& block, int n, const Leads& lead, uint64_t four,
-                                uint64_t begins) {
+    ZEL_INLINE bool convertLong(const Block& block, int n, const Lanes& high, const Lanes& three,
+                                const Lanes& four) {
         const __m512i v0 = block.from(0), v1 = block.from(1), v2 = block.from(2);
-        const uint64_t bad =
-            _mm512_mask_cmplt_epu8_mask(lead.any, v1, _mm512_permutexvar_epi8(v0, leastSecond()));
-        const uint64_t expected = lead.any << 1 | lead.three << 2 | four << 3 | owed_;
-        const uint64_t owed = lead.any >> 63 | lead.three >> 62 | four >> 61;
-        const uint64_t next = continuationsOf(block.from(3)) >> 61;
-        const uint64_t wrong = expected ^ (lead.high ^ lead.any);
-        if ((wrong | bad | (owed & ~next)) != 0) return false;
+        const uint64_t continuation = continuationsOf(v0);
+        const uint64_t lead = high.bits & ~continuation;
+        const uint64_t small = inGeneralRegister(
+            _mm512_cmplt_epu8_mask(v1, _mm512_permutexvar_epi8(v0, leastSecond())));
+        uint64_t expected = shifted<1>(lead, last_.any) | shifted<2>(three.bits, last_.three);
+        if (hasPairs) expected |= shifted<3>(four.bits, last_.four);
+        if (((expected ^ continuation) | (small & lead)) != 0) return false;
 
         // The last two bytes of a sequence of two or three, or of the second unit of a pair.
-        const uint64_t secondOfPair = hasPairs ? four << 1 | pairOwed_ : 0;
-        const uint64_t three = lead.three | secondOfPair;
-        const __m512i secondLast = _mm512_mask_mov_epi8(v0, three, v1);
-        const __m512i last = _mm512_mask_mov_epi8(v1, three, v2);
-        const __m512i lowNibble = splatByte<0x0F>();
-        const __m512i down2 = _mm512_srli_epi16(secondLast, 2);
-        __m512i low = choose(splatByte<0x3F>(), last, _mm512_slli_epi16(secondLast, 6));
-        low = _mm512_mask_mov_epi8(v0, lead.high, low);
-        __m512i top = _mm512_maskz_mov_epi8(lead.three, _mm512_slli_epi16(v0, 4));
-        top = _mm512_maskz_mov_epi8(lead.high, choose(lowNibble, down2, top));
+        const uint64_t secondOfPair = hasPairs ? shifted<1>(four.bits, last_.four) : 0;
+        const __mmask64 lastOfThree = hasPairs ? three.bits | secondOfPair : three.mask;
+        const __m512i secondLast = _mm512_mask_mov_epi8(v0, lastOfThree, v1);
+        const __m512i last = _mm512_mask_mov_epi8(v1, lastOfThree, v2);
+        // The mark of the last byte, 0x80, takes back that of the bits in front of it.
+        __m512i low =
+            _mm512_mask_add_epi8(v0, high.mask, moveBits<6, 0xC0, 0x80>(secondLast), last);
+        __m512i top =
+            _mm512_maskz_add_epi8(high.mask, moveBits<-2, 0x0F>(secondLast),
+                                  _mm512_maskz_mov_epi8(three.mask, moveBits<4, 0xF0>(v0)));
         if constexpr (hasPairs) {
             // The first unit is 0xD7C0 + the value's bits from the tenth on.
-            const __m512i bits =
-                choose(splatByte<0xFC>(), _mm512_slli_epi16(v1, 2), _mm512_srli_epi16(v2, 4));
-            const __m512i sum = _mm512_sub_epi8(bits, splatByte<0x40>());
-            const uint64_t carry = _mm512_cmpge_epu8_mask(bits, splatByte<0x40>());
-            const __m512i first = _mm512_sub_epi8(v0, splatByte<0xF0 - 0xD7>());
-            const __m512i one = splatByte<0x01>();
-            const __m512i second = choose(splatByte<0x03>(), down2, splatByte<0xDC>());
-            low = _mm512_mask_mov_epi8(low, four, sum);
-            top = _mm512_mask_mov_epi8(top, four, _mm512_mask_add_epi8(first, carry, first, one));
-            top = _mm512_mask_mov_epi8(top, secondOfPair, second);
+            const __m512i carry = _mm512_min_epu8(moveBits<-4, 0x03>(v1), splatByte<0x01>());
+            low = _mm512_mask_add_epi8(low, four.mask, moveBits<2, 0xFC>(v1),
+                                       moveBits<-4, 0x03, 0xC0>(v2));
+            top = _mm512_mask_add_epi8(top, four.mask, carry,
+                                       _mm512_sub_epi8(v0, splatByte<0xF0 - 0xD7>()));
+            top = _mm512_mask_mov_epi8(top, secondOfPair, moveBits<-2, 0x03, 0xDC>(secondLast));
         }
-        if (!store(begins | secondOfPair, low, top, n)) return false;
-        owed_ = owed;
-        if constexpr (hasPairs) pairOwed_ = four >> 63;
+        if (!store((~continuation & lowBits(n)) | secondOfPair, low, top, n)) return false;
+        last_ = {lead, three.bits, four.bits};
         return true;
+    }
+
+    /// Which bytes are so many behind those that the mask says, of this block and the one before.
+    template <int n>
+    ZEL_INLINE static uint64_t shifted(uint64_t mask, uint64_t before) {
+        return mask << n | before >> (64 - n);
     }
 
     /// Stores the units whose bits are set, which n bytes have become, if they fit.
@@ -222,23 +255,19 @@ private:
         const __m512i order = _mm512_set_epi64(7, 3, 6, 2, 5, 1, 4, 0);
         low = _mm512_permutexvar_epi64(order, _mm512_maskz_compress_epi8(units, low));
         top = _mm512_permutexvar_epi64(order, _mm512_maskz_compress_epi8(units, top));
-        const uint64_t used = lowBits(count);
-        _mm512_mask_storeu_epi16(at_.dst, static_cast<__mmask32>(used),
-                                 _mm512_unpacklo_epi8(low, top));
-        if (count > 32) {
-            _mm512_mask_storeu_epi16(at_.dst + 32, static_cast<__mmask32>(used >> 32),
-                                     _mm512_unpackhi_epi8(low, top));
+        const __m512i lower = _mm512_unpacklo_epi8(low, top);
+        if (count <= 32) {
+            Vec<Zel16u>{lower}.storeFirst(at_.dst, count);
+        } else {
+            Vec<Zel16u>{lower}.store(at_.dst);
+            Vec<Zel16u>{_mm512_unpackhi_epi8(low, top)}.storeFirst(at_.dst + 32, count - 32);
         }
         at_.advance(n, count);
         return true;
     }
 
     ZEL_INLINE static uint64_t continuationsOf(__m512i v) {
-        return continuations(Vec<Zel8u>{v}).bits;
-    }
-    /// Bits of `a` where the mask's bits are set, bits of b elsewhere.
-    ZEL_INLINE static __m512i choose(__m512i mask, __m512i a, __m512i b) {
-        return _mm512_ternarylogic_epi64(mask, a, b, 0xCA);
+        return inGeneralRegister(_mm512_cmplt_epi8_mask(v, splatByte<0xC0>()));
     }
     /// By the low 6 bits of a lead byte, what must follow it at least: more where the sequence
     /// would not be in its shortest form, 0xFF where it is none or not an ordinary one.
@@ -250,13 +279,24 @@ private:
     }
 
     To16 at_;
-    uint64_t owed_ = 0;  // the first bytes of the next block that belong to a character of this one
-    uint64_t pairOwed_ = 0;  // 1 when the first of them is to become the second unit of a pair
+    Leads last_ = {0, 0, 0};  // of the last block
 };
 
 /// Converts as many blocks as are ordinary and answers where it ended.
 ZEL_INLINE To16 convertBlocks(To16 at) {
     return Utf8BlockConverter(at).run();
+}
+
+/// What is converted in one piece, as its last character has no room to go on behind it.
+constexpr int kShortUtf8 = 63;
+
+/// Converts a text of at most so many bytes, if it is ordinary and fits. Answers whether it was.
+ZEL_INLINE bool convertShort(const Zel8u* src, int srcLen, Zel16u* dst, int* dstLen) {
+    if (srcLen <= 0 || srcLen > *dstLen) return false;
+    const long left = Utf8BlockConverter({src, srcLen, dst, *dstLen}).runShort();
+    if (left < 0) return false;
+    *dstLen -= static_cast<int>(left);
+    return true;
 }
 
 #elif defined(ZEL_ISA_AVX2)
@@ -398,6 +438,16 @@ ZEL_INLINE To16 convertBlocks(To16 at) {
         at.advance(16, 16);
     }
     return at;
+}
+
+#endif
+
+#if !defined(ZEL_ISA_AVX512)
+
+// One character after the other is as good.
+constexpr int kShortUtf8 = 0;
+ZEL_INLINE bool convertShort(const Zel8u*, int, Zel16u*, int*) {
+    return false;
 }
 
 #endif

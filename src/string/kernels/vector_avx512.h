@@ -370,16 +370,38 @@ ZEL_INLINE Vec<T> replaceEqual(Vec<T> v, Vec<T> from, Vec<T> to) {
     return blend(Mask<T>{equalBits(v, from)}, v, to);
 }
 
-/// A constant that is loaded. Compilers would rather make it of an integer, by the one port that
+/// Constants that are loaded. Compilers would rather make them of an integer, by the one port that
 /// also permutes and compresses, and anew for every block.
-template <Zel32u word>
-inline constexpr Zel32u kWordInMemory = word;
+template <uint64_t word>
+static constexpr uint64_t kWordInMemory = word;
+template <uint64_t word>
+ZEL_INLINE __m512i splatWord() {
+    __m512i splat;
+    asm("vpbroadcastq %1, %0" : "=v"(splat) : "m"(kWordInMemory<word>));
+    return splat;
+}
 template <Zel8u byte>
 ZEL_INLINE __m512i splatByte() {
-    const Zel32u* p = &kWordInMemory<byte * 0x01010101u>;
-    asm("" : "+r"(p));
-    return _mm512_set1_epi32(static_cast<int>(*p));
+    return splatWord<byte * 0x0101010101010101u>();
 }
+
+/// What moves the bits of a byte so many places up, or down, and keeps those that are then among
+/// `kept`: for each bit of the result, from the highest one on, a byte with the bit it comes from.
+constexpr uint64_t bitMove(int up, unsigned kept) {
+    uint64_t rows = 0;
+    for (int to = 0; to < 8; ++to) {
+        const int from = to - up;
+        if ((kept >> to & 1) != 0 && from >= 0 && from < 8)
+            rows |= uint64_t{1} << from << 8 * (7 - to);
+    }
+    return rows;
+}
+/// Moves bits within each byte; those of `marks` are inverted afterwards.
+template <int up, Zel8u kept, Zel8u marks = 0>
+ZEL_INLINE __m512i moveBits(__m512i v) {
+    return _mm512_gf2p8affine_epi64_epi8(v, splatWord<bitMove(up, kept)>(), marks);
+}
+
 /// A mask that is shifted next. Compilers would do that where it takes four times as long.
 ZEL_INLINE uint64_t inGeneralRegister(uint64_t mask) {
     asm("" : "+r"(mask));
