@@ -169,40 +169,22 @@ struct EnclosedCase {
     bool isRead;
 };
 const EnclosedCase kEnclosed[] = {
-    {"signal[a-z]+", "", true},
-    {"ab[^b]*b", "", true},
-    {"ab\\w*", "", true},
-    {"xx.*?b", "", true},
-    {"ab.+?a", "", true},
-    {"er.*", "", true},
-    {"wo[a-z]+ wo", "", true},
-    {"\xC3\xA9[^ ]+ ", "", true},
-    {"ab[abc]*=", "", true},
-    {"x[a-z1]+", "", true},
-    {"\"[^\"\\n]*\"", "", true},
-    {"\".*?\"", "", true},
-    {"e[^b]*b", "", true},
-    {"\xC3[^x]+", "", true},
-    {"a.+?r", "", true},
-    {"b\\W*", "", true},
-    {"\"\\w*\"", "", false},
-    {"\xA9[a-z]+", "", false},
-    {"x[a-z1]+1", "", false},
-    {"x[a-z1]+", "i", false},
-    {"x{2}[a-z]+", "", false},
-    {"(?:x)[a-z]+", "", false},
-    {"b(?=x)+", "", false},
-    {"a[^b]{0,9}b", "", false},
-    {"signal[a-z]+", "i", false},
-    {"ab\\w{2,}", "", false},
-    {"ab\\w+?", "", false},
-    {"ab\\w+=", "", false},
-    {"xx.*?ab", "", false},
-    {"ab[a-z]+b", "", false},
-    {"ab([a-z]+)", "", false},
-    {"ab[a-z]+=\\d", "", false},
-    {"ab[a-z]+|signal", "", false},
-    {"ab[a-z\xC3\xA9]+", "", false},
+    {"signal[a-z]+", "", true},  {"ab[^b]*b", "", true},         {"ab\\w*", "", true},
+    {"xx.*?b", "", true},        {"ab.+?a", "", true},           {"er.*", "", true},
+    {"wo[a-z]+ wo", "", true},   {"\xC3\xA9[^ ]+ ", "", true},   {"ab[abc]*=", "", true},
+    {"x[a-z1]+", "", true},      {"\"[^\"\\n]*\"", "", true},    {"\".*?\"", "", true},
+    {"e[^b]*b", "", true},       {"\xC3[^x]+", "", true},        {"a.+?r", "", true},
+    {"b\\W*", "", true},         {"\"\\w*\"", "", false},        {"\xA9[a-z]+", "", false},
+    {"x[a-z1]+1", "", false},    {"x[a-z1]+", "i", false},       {"x{2}[a-z]+", "", false},
+    {"(?:x)[a-z]+", "", false},  {"b(?=x)+", "", false},         {"a[^b]{0,9}b", "", false},
+    {"^Key: .*$", "m", true},    {"^k[a-z]+", "m", true},        {"^ab.*?b", "m", true},
+    {"x[a-z]+$", "m", true},     {"^(?:ab).*$", "m", false},     {"error.+$", "m", true},
+    {"^[^b]*b", "m", false},     {"^Key: .*$", "", false},       {"x[^b]*$", "m", false},
+    {"ab\\d*$", "m", false},     {"ab\\b[a-z]*", "m", false},    {"^*ab[a-z]*", "m", false},
+    {"ab[a-z]*\\b", "m", false}, {"ab[a-z]*^", "m", false},      {"signal[a-z]+", "i", false},
+    {"ab\\w{2,}", "", false},    {"ab\\w+?", "", false},         {"ab\\w+=", "", false},
+    {"xx.*?ab", "", false},      {"ab[a-z]+b", "", false},       {"ab([a-z]+)", "", false},
+    {"ab[a-z]+=\\d", "", false}, {"ab[a-z]+|signal", "", false}, {"ab[a-z\xC3\xA9]+", "", false},
 };
 
 const char* const kFragments[] = {"signal",
@@ -356,6 +338,30 @@ TEST(EnclosedRun, SearchesAgreeWithTheModelOnLongTexts) {
     });
 }
 
+TEST(EnclosedRun, AnswersWithinTheBudgetWhereItIsDearest) {
+    const std::string lines(300, '\n');
+    const std::string run = "x" + std::string(300, 'a');
+    const struct {
+        const char* pattern;
+        std::string subject;
+    } cases[] = {{"^ab.+$", lines}, {"^ab.+$", lines + "ab"}, {"^ab.+$", lines + "abc\n"},
+                 {"x[a-z]+$", run}, {"x[a-z]+$", run + "1"},  {"x[a-z]*1", run},
+                 {"x[a-z]*?x", run}};
+    onDeepStack([&cases] {
+        for (const auto& dear : cases) {
+            const RegexpCase testCase = {.pattern = dear.pattern,
+                                         .options = "gm",
+                                         .format = zel::kFormatBytes,
+                                         .limit = INT_MAX,
+                                         .subject = dear.subject,
+                                         .behind = 'a',
+                                         .records = 4};
+            EXPECT_TRUE(isEnclosedRun(dear.pattern, "gm", zel::kFormatBytes));
+            EXPECT_EQ(compare(testCase), "") << testCase.text();
+        }
+    });
+}
+
 TEST(EnclosedRun, AnyOfThemAgreesWithTheModel) {
     static const char* const literals[] = {"\"", "a", "b",  "x",  "e",        "=",    " ",
                                            "\n", "(", "xx", "ab", "\xC3\xA9", "\xC3", "error"};
@@ -372,13 +378,19 @@ TEST(EnclosedRun, AnyOfThemAgreesWithTheModel) {
                 const std::string text = random.pick(literals);
                 return text == "(" ? "\\(" : text;
             };
-            std::string pattern = literal();
+            const bool isMultiLine = random.chance(50);
+            std::string pattern = isMultiLine && random.chance(50) ? "^" : "";
+            pattern += literal();
             pattern += random.pick(atoms);
             pattern += random.pick(quantifiers);
-            if (random.chance(80)) pattern += literal();
+            if (isMultiLine && random.chance(50))
+                pattern += "$";
+            else if (random.chance(80))
+                pattern += literal();
             const RegexpCase testCase = {
                 .pattern = pattern,
-                .options = random.chance(20) ? "gs" : "g",
+                .options =
+                    std::string("g") + (random.chance(20) ? "s" : "") + (isMultiLine ? "m" : ""),
                 .format = random.below(2),
                 .limit = random.chance(50) ? random.between(200, 3000) : INT_MAX,
                 .subject = someText(random),

@@ -32,10 +32,12 @@ Set someSet(std::mt19937& random, int density) {
 template <typename Check>
 void onManyTexts(const Check& check) {
     std::mt19937 random(20);
-    test::GuardedPages pages(8192);
+    constexpr int kLongest = 30000;  // more than a kernel looks at in one go
+    test::GuardedPages pages(kLongest);
     ASSERT_TRUE(pages.available());
     for (int round = 0; round < 3000; ++round) {
-        const int length = round < 2000 ? round % 200 : static_cast<int>(random() % 5000);
+        const unsigned most = round < 2950 ? 5000 : kLongest;
+        const int length = round < 2000 ? round % 200 : static_cast<int>(random() % most);
         // Directly before an inaccessible page, or directly behind one.
         Zel8u* text =
             reinterpret_cast<Zel8u*>(round % 2 != 0 ? pages.begin() : pages.end() - length);
@@ -379,7 +381,7 @@ TEST(LiteralKernels, CollectLiterals) {
 }
 
 TEST(LiteralKernels, CollectEnclosedRuns) {
-    onManyTexts([](std::mt19937& random, const Zel8u* text, int length) {
+    onManyTexts([](std::mt19937& random, Zel8u* text, int length) {
         const Set first = someSet(random, 60);
         const Set set = someSet(random, random() % 2 != 0 ? 60 : 98);
         Zel8u literals[2][3];
@@ -396,6 +398,12 @@ TEST(LiteralKernels, CollectEnclosedRuns) {
         run.closeLength = static_cast<int>(random() % 4);
         run.nodes = 3;
         run.price = 2;
+        run.atLineStart = random() % 4 == 0;
+        run.toLineEnd = random() % 4 == 0;
+        if (run.toLineEnd) run.closeLength = 0;
+        for (int i = 0; i < length; ++i) {
+            if (text[i] == 'c' && random() % 2 == 0) text[i] = '\n';
+        }
 
         const auto standsAt = [&](int at, const Zel8u* literal, int size) {
             return at + size <= length && std::equal(literal, literal + size, text + at);
@@ -405,6 +413,7 @@ TEST(LiteralKernels, CollectEnclosedRuns) {
         int64_t price = 0;
         for (int at = 0; at < length && static_cast<int>(expected.size()) < capacity; ++at) {
             if (!standsAt(at, run.open, run.openLength)) continue;
+            if (run.atLineStart && at > 0 && text[at - 1] != '\n') continue;
             int stop = at + run.openLength;
             const bool fails = run.min > 0 && (stop == length || !first.has(text[stop]));
             if (!fails) stop += run.min;
@@ -412,6 +421,7 @@ TEST(LiteralKernels, CollectEnclosedRuns) {
             const int size = stop + run.closeLength - at;
             price += run.nodes + int64_t{run.price} * size;
             if (fails || !standsAt(stop, run.close, run.closeLength)) continue;
+            if (run.toLineEnd && stop < length && text[stop] != '\n') continue;
             expected.emplace_back(at, size);
             at += size - 1;
         }

@@ -1,6 +1,7 @@
 // Patterns that are a literal, a run of bytes behind it, and perhaps a literal that ends the run:
-// `0x[0-9a-f]+`, `"[^"]*"`, `error: .*`. At each place of the first literal there is one match or
-// none, so all of them can be collected without the engine.
+// `0x[0-9a-f]+`, `"[^"]*"`, `error: .*`; also of that kind at the start of a line, or up to its
+// end. At each place of the first literal there is one match or none, so all of them can be
+// collected without the engine.
 #pragma once
 
 #include "regexp/match/one_way.h"

@@ -133,15 +133,18 @@ struct LiteralSet {
 int collectLiterals(const Zel8u* p, int len, const LiteralSet* set, ZelRegExpFind* matches,
                     int capacity);
 
-/// A literal, the run of bytes of a set that begins behind it, and behind that another literal.
+/// A literal, the run of bytes of a set that begins behind it, and behind that another literal or
+/// the end of a line.
 struct EnclosedRun {
     const Zel8u* open;
-    int openLength;  // at least 1
-    int min;         // 1 when the run's first byte has to be there, and one of `first`; or 0
+    int openLength;    // at least 1
+    bool atLineStart;  // only there
+    int min;           // 1 when the run's first byte has to be there, and one of `first`; or 0
     uint64_t first[4];
     uint64_t set[4];
     const Zel8u* close;
     int closeLength;  // may be 0
+    bool toLineEnd;   // or to that of the text: then there is no other literal
     int nodes;        // what an attempt behind the opening literal costs
     int price;        // and each byte that it looks at
 };

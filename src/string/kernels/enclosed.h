@@ -15,6 +15,7 @@ public:
                     int64_t budget)
         : run_(run),
           others_{ByteClass::fromWords(run.set)},
+          start_(start),
           end_(end),
           budget_(budget),
           behind_(start) {}
@@ -39,8 +40,9 @@ public:
 
 private:
     ZEL_INLINE bool isFirst(Zel8u byte) const { return run_.first[byte >> 6] >> (byte & 63) & 1; }
-    /// Of a literal of two bytes the probes have seen everything.
     ZEL_INLINE bool opensAt(const Zel8u* at) const {
+        if (run_.atLineStart && at != start_ && at[-1] != '\n') return false;
+        // Of a literal of two bytes the probes have seen everything.
         return run_.openLength <= 2 || isSame(at, run_.open, run_.openLength);
     }
     /// Where the run that begins at `stop` ends; most are short.
@@ -54,6 +56,7 @@ private:
         return stop + (length == kNotFound ? left : length);
     }
     ZEL_INLINE bool closesAt(const Zel8u* stop) const {
+        if (run_.toLineEnd) return stop == end_ || *stop == '\n';
         if (end_ - stop < run_.closeLength) return false;
         if (run_.closeLength == 1) return *stop == *run_.close;
         return isSame(stop, run_.close, run_.closeLength);
@@ -61,6 +64,7 @@ private:
 
     const kernels::EnclosedRun& run_;
     const NotInClass others_;
+    const Zel8u* const start_;
     const Zel8u* const end_;
     int64_t budget_;
     const Zel8u* behind_;  // the last match
@@ -74,7 +78,7 @@ ZEL_INLINE int collectEnclosed(const Zel8u* p, int len, const kernels::EnclosedR
     EnclosedAttempt attempt(run, p, p + len, budget);
     const auto lengthAt = [&](const Zel8u* at) { return attempt.lengthAt(at); };
     const ptrdiff_t positions = ptrdiff_t{len} - run.openLength + 1;
-    const int count = collectProbed(p, positions, probes, lengthAt, matches, capacity);
+    const int count = collectMatches(p, positions, probes, lengthAt, matches, capacity);
     return attempt.isOutOfBudget() ? -1 : count;
 }
 

@@ -44,8 +44,8 @@ ZEL_INLINE Zel16u* writePlaces(uint64_t bits, int base, Zel16u* out) {
 }
 
 /// Blocks of positions looked at before the places in them are: so many that it does not count that
-/// the end of the loop over the places cannot be guessed.
-inline constexpr int kBatchBlocks = 32;
+/// the end of a loop cannot be guessed.
+inline constexpr int kBatchBlocks = 128;
 
 /// Asks for the block one batch further on. The processor does so by itself only while it is not
 /// held up by wrong guesses. Behind the end of the text nothing comes of it.
@@ -53,81 +53,53 @@ ZEL_INLINE void prefetchNextBatch(const Zel8u* block) {
     __builtin_prefetch(block + kMaskBits * kBatchBlocks);
 }
 
-/// `gather(at, left, places)` writes at which of the `left` positions from `at` on a match may
-/// start, as writePlaces does; `lengthAt(p)` is the length of the match at p, or 0.
-template <typename Gather, typename LengthAt>
-ZEL_INLINE int collectMatches(const Zel8u* p, ptrdiff_t positions, const Gather& gather,
+/// Where a match may start, `starts` says in two steps: for the 64 positions at p, of which `left`
+/// count, starts.likely(p, left) gives bits, and starts.refine(p, left, bits) those of them to look
+/// at. `lengthAt(p)` is the length of the match at p, or 0.
+template <typename Starts, typename LengthAt>
+ZEL_INLINE int collectMatches(const Zel8u* p, ptrdiff_t positions, const Starts& starts,
                               const LengthAt& lengthAt, ZelRegExpFind* matches, int capacity) {
-    constexpr int kBatch = kMaskBits * kBatchBlocks;
-    Zel16u places[kBatch + kSpare];
+    constexpr ptrdiff_t kBatch = kMaskBits * kBatchBlocks;
+    constexpr int kRoom = 1024;  // for places
+    uint64_t bits[kBatchBlocks];
+    Zel16u block[kBatchBlocks];
+    Zel16u places[kRoom + kSpare];
     int count = 0;
     const Zel8u* behind = p;  // the last match
     ptrdiff_t from = 0;
     // The first batch ends at a cache line, so that all others begin with one.
     ptrdiff_t size = kBatch - kMaskBits + toBoundary(p);
     for (; from < positions; from += size, size = kBatch) {
+        const Zel8u* const batch = p + from;
         const ptrdiff_t left = positions - from < size ? positions - from : size;
-        const Zel16u* const end = gather(p + from, left, places);
-        for (const Zel16u* place = places; place < end; ++place) {
-            // Whether there is a match cannot be guessed either: a record is written in any case.
-            const Zel8u* const at = p + from + *place;
-            const int length = lengthAt(at);
-            const bool isMatch = length != 0 && at >= behind;
-            ZelRegExpFind refused;
-            *(isMatch ? &matches[count] : &refused) = {const_cast<Zel8u*>(at), length};
-            behind = isMatch ? at + length : behind;
-            count += isMatch;
-            if (count == capacity) return count;
+        // First the blocks that have any, which cannot be guessed, then the places in these.
+        int blocks = 0;
+        for (ptrdiff_t at = 0; at < left; at += kMaskBits) {
+            prefetchNextBatch(batch + at);
+            bits[blocks] = starts.likely(batch + at, left - at);
+            block[blocks] = static_cast<Zel16u>(at);
+            blocks += bits[blocks] != 0;
+        }
+        for (int i = 0; i < blocks;) {
+            Zel16u* end = places;
+            do {
+                const int at = block[i];
+                end = writePlaces(starts.refine(batch + at, left - at, bits[i]), at, end);
+            } while (++i < blocks && end <= places + kRoom - kMaskBits);
+            for (const Zel16u* place = places; place < end; ++place) {
+                // Whether there is a match cannot be guessed either: a record is written anyway.
+                const Zel8u* const at = batch + *place;
+                const int length = lengthAt(at);
+                const bool isMatch = length != 0 && at >= behind;
+                ZelRegExpFind refused;
+                *(isMatch ? &matches[count] : &refused) = {const_cast<Zel8u*>(at), length};
+                behind = isMatch ? at + length : behind;
+                count += isMatch;
+                if (count == capacity) return count;
+            }
         }
     }
     return count;
-}
-
-/// Writes places that are in many blocks: first the blocks that have any, which cannot be guessed,
-/// then the places in these. `bitsAt(at)` gives the bits of the 64 positions from `at` on.
-template <typename BitsAt>
-ZEL_INLINE Zel16u* writeFrequent(const Zel8u* from, ptrdiff_t left, const BitsAt& bitsAt,
-                                 Zel16u* out) {
-    uint64_t bits[kBatchBlocks];
-    int block[kBatchBlocks];
-    int count = 0;
-    for (int at = 0; at < left; at += kMaskBits) {
-        prefetchNextBatch(from + at);
-        bits[count] = bitsAt(at);
-        block[count] = at;
-        count += bits[count] != 0;
-    }
-    for (int i = 0; i < count; ++i) out = writePlaces(bits[i], block[i], out);
-    return out;
-}
-
-/// The matches that `lengthAt` finds where the probes are right.
-template <typename Probe, typename LengthAt>
-ZEL_INLINE int collectProbed(const Zel8u* p, ptrdiff_t positions, const Probes<Probe>& probes,
-                             const LengthAt& lengthAt, ZelRegExpFind* matches, int capacity) {
-    const auto gather = [&](const Zel8u* from, ptrdiff_t left, Zel16u* out) {
-        constexpr int kBlocks = Probes<Probe>::kBlocks;
-        if (probes.isOneByte()) {
-            const auto bitsAt = [&](ptrdiff_t at) {
-                return memberBits(probes.first, from + at, left - at);
-            };
-            return writeFrequent(from, left, bitsAt, out);
-        }
-        int at = 0;
-        for (; left - at >= kMaskBits * kBlocks; at += kMaskBits * kBlocks) {
-            for (int i = 0; i < kBlocks; ++i) prefetchNextBatch(from + at + kMaskBits * i);
-            if (!probes.mayHaveStarts(from + at)) [[likely]]
-                continue;
-            for (int i = 0; i < kBlocks; ++i) {
-                const int block = at + kMaskBits * i;
-                out = writePlaces(probes.starts(from + block, kMaskBits), block, out);
-            }
-        }
-        for (; at < left; at += kMaskBits)
-            out = writePlaces(probes.starts(from + at, left - at), at, out);
-        return out;
-    };
-    return collectMatches(p, positions, gather, lengthAt, matches, capacity);
 }
 
 template <typename MakeProbe, typename IsSame>
@@ -138,7 +110,7 @@ ZEL_INLINE int collectWithProbes(const Zel8u* p, int len, const Zel8u* literal, 
     const auto lengthAt = [&](const Zel8u* at) {
         return isSameAs(at, literal, length) ? length : 0;
     };
-    return collectProbed(p, ptrdiff_t{len} - length + 1, probes, lengthAt, matches, capacity);
+    return collectMatches(p, ptrdiff_t{len} - length + 1, probes, lengthAt, matches, capacity);
 }
 
 ZEL_INLINE int collectOneLiteral(const Zel8u* p, int len, const kernels::Literal& literal,
@@ -170,19 +142,23 @@ ZEL_INLINE Zel32u headsAt(const Zel8u* p, const Zel8u* end, const kernels::Liter
     return which & static_cast<Zel32u>(lowBits(set.count));
 }
 
+/// What several literals begin with, for collectMatches.
+template <int kDepth>
+struct PrefixStarts {
+    const PrefixFilter<kDepth> filter;
+
+    ZEL_INLINE uint64_t likely(const Zel8u* p, ptrdiff_t left) const {
+        return PrefixProbe::kIsQuick && left >= kMaskBits ? filter.likelyStarts(p)
+                                                          : filter.starts(p, left);
+    }
+    ZEL_INLINE uint64_t refine(const Zel8u*, ptrdiff_t, uint64_t bits) const { return bits; }
+};
+
 template <int kDepth>
 ZEL_INLINE int collectByPrefix(const Zel8u* p, int len, const kernels::LiteralSet& set,
                                ZelRegExpFind* matches, int capacity) {
-    const PrefixFilter<kDepth> filter(set.prefix);
+    const PrefixStarts<kDepth> starts{PrefixFilter<kDepth>(set.prefix)};
     const Zel8u* const end = p + len;
-    const auto gather = [&](const Zel8u* from, ptrdiff_t left, Zel16u* out) {
-        const auto bitsAt = [&](ptrdiff_t at) {
-            const bool isWhole = left - at >= kMaskBits;
-            return PrefixProbe::kIsQuick && isWhole ? filter.likelyStarts(from + at)
-                                                    : filter.starts(from + at, left - at);
-        };
-        return writeFrequent(from, left, bitsAt, out);
-    };
     const auto lengthAt = [&](const Zel8u* at) {
         for (Zel32u which = headsAt(at, end, set); which != 0; which &= which - 1) {
             const kernels::Literal& literal = set.literals[countTrailingZeros(which)];
@@ -197,7 +173,7 @@ ZEL_INLINE int collectByPrefix(const Zel8u* p, int len, const kernels::LiteralSe
         }
         return 0;
     };
-    return collectMatches(p, ptrdiff_t{len} - kDepth + 1, gather, lengthAt, matches, capacity);
+    return collectMatches(p, ptrdiff_t{len} - kDepth + 1, starts, lengthAt, matches, capacity);
 }
 
 ZEL_INLINE int collectOfSet(const Zel8u* p, int len, const kernels::LiteralSet& set,

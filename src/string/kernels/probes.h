@@ -10,7 +10,6 @@ namespace zel::ZEL_ISA {
 
 template <typename Probe>
 struct Probes {
-    static constexpr int kBlocks = 4;
     ptrdiff_t firstAt;
     ptrdiff_t secondAt;
     ptrdiff_t thirdAt;
@@ -27,7 +26,6 @@ struct Probes {
           second(probeOf(literal[secondAt])),
           third(probeOf(literal[thirdAt])) {}
 
-    bool isOneByte() const { return firstAt == secondAt; }
     /// The starts of a vector that the first two let through.
     ZEL_INLINE auto hits(const Zel8u* p) const {
         return first.hits(p + firstAt) & second.hits(p + secondAt);
@@ -39,18 +37,13 @@ struct Probes {
     ZEL_INLINE auto maskFirst(const Zel8u* p, int n) const {
         return first.maskFirst(p + firstAt, n) & second.maskFirst(p + secondAt, n);
     }
-    /// Whether there are any in kBlocks blocks of 64.
-    ZEL_INLINE bool mayHaveStarts(const Zel8u* p) const {
-        auto found = hits(p);
-        for (int at = Probe::kLanes; at < kMaskBits * kBlocks; at += Probe::kLanes)
-            found = found | hits(p + at);
-        return found.any();
+    /// Which of the first 64 of `left` positions the first two let through.
+    ZEL_INLINE uint64_t likely(const Zel8u* p, ptrdiff_t left) const {
+        return memberBits(first, p + firstAt, left) & memberBits(second, p + secondAt, left);
     }
-    /// The starts among the first 64 of `left` positions.
-    ZEL_INLINE uint64_t starts(const Zel8u* p, ptrdiff_t left) const {
-        const uint64_t bits =
-            memberBits(first, p + firstAt, left) & memberBits(second, p + secondAt, left);
-        return bits != 0 ? bits & memberBits(third, p + thirdAt, left) : 0;
+    /// Which of these the third does.
+    ZEL_INLINE uint64_t refine(const Zel8u* p, ptrdiff_t left, uint64_t bits) const {
+        return bits & memberBits(third, p + thirdAt, left);
     }
 };
 
