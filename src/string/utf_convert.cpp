@@ -124,6 +124,13 @@ template <bool swapBytes>
     return zelStatusOk;
 }
 
+// Converts a text that may be short and fit, as most short texts do.
+[[gnu::noinline]] ZelStatus convertShortTo8(const Zel16u* src, int* srcLen, Zel8u* dst,
+                                            int* dstLen) {
+    if (convertShort(src, *srcLen, dst, dstLen)) return zelStatusOk;
+    return convertTo8<false>(src, srcLen, dst, dstLen);
+}
+
 }  // namespace
 
 ZelStatus zelsConvertUTF_8u16u(const Zel8u* pSrc, int* pSrcLen, Zel16u* pDst, int* pDstLen,
@@ -142,10 +149,12 @@ ZelStatus zelsConvertUTF_16u8u(const Zel16u* pSrc, int* pSrcLen, Zel8u* pDst, in
                                int swapBytes) {
     if (anyNull(pSrc, pSrcLen, pDst, pDstLen)) return zelStatusNullPointer;
     if (swapBytes != 0) return convertTo8<true>(pSrc, pSrcLen, pDst, pDstLen);
-    if (!convertShortAscii(pSrc, *pSrcLen, pDst, *pDstLen))
-        return convertTo8<false>(pSrc, pSrcLen, pDst, pDstLen);
-    *pDstLen = *pSrcLen;
-    return zelStatusOk;
+    if (convertShortAscii(pSrc, *pSrcLen, pDst, *pDstLen)) {
+        *pDstLen = *pSrcLen;
+        return zelStatusOk;
+    }
+    if (*pSrcLen <= kShortUtf16) return convertShortTo8(pSrc, pSrcLen, pDst, pDstLen);
+    return convertTo8<false>(pSrc, pSrcLen, pDst, pDstLen);
 }
 
 }  // namespace zel::ZEL_ISA

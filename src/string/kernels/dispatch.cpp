@@ -20,8 +20,9 @@ bool isSupported(Isa isa) {
     if (isa == Isa::Avx2) return avx2;
     return avx2 && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
            __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512dq") &&
-           __builtin_cpu_supports("avx512vbmi") && __builtin_cpu_supports("avx512vbmi2") &&
-           __builtin_cpu_supports("gfni") && __builtin_cpu_supports("vpclmulqdq");
+           __builtin_cpu_supports("avx512cd") && __builtin_cpu_supports("avx512vbmi") &&
+           __builtin_cpu_supports("avx512vbmi2") && __builtin_cpu_supports("gfni") &&
+           __builtin_cpu_supports("vpclmulqdq");
 }
 
 namespace {

@@ -16,7 +16,7 @@ set(ZELCHMX_INSTANCE_SOURCES
 set(ZELCHMX_FLAGS_sse2 -falign-functions=64)
 set(ZELCHMX_FLAGS_avx2 ${ZELCHMX_FLAGS_sse2} -mavx2 -mbmi -mbmi2 -mlzcnt -mpopcnt)
 set(ZELCHMX_FLAGS_avx512 ${ZELCHMX_FLAGS_avx2}
-    -mavx512f -mavx512bw -mavx512vl -mavx512dq -mavx512vbmi -mavx512vbmi2
+    -mavx512f -mavx512bw -mavx512vl -mavx512dq -mavx512cd -mavx512vbmi -mavx512vbmi2
     -mgfni -mpclmul -mvpclmulqdq -mprefer-vector-width=512)
 
 # GCC 12 takes the undefined operand inside some of its own intrinsics for a mistake of ours.

@@ -1,9 +1,10 @@
 // UTF-16 to UTF-8, a block at a time, as long as there is room for all of a block.
 //
 // AVX-512 takes 32 units at a time and builds the bytes of each character in a lane of its own: a
-// unit's lane where none needs more than two bytes, else a double word. One compression closes the
-// gaps. The lane of a pair's second unit stays empty; one at the start of a block is remembered
-// from the block before. No text is special here, lone surrogates neither.
+// unit's lane where none needs more than two bytes, else a double word, whose number of leading
+// zeros says which marks its bytes bear. Compressions close the gaps. The lane of a pair's second
+// unit is left out; one at the start of a block is remembered from the block before. No text is
+// special here, lone surrogates neither.
 //
 // AVX2 does the same with 16 units and shuffles in place of the compression, but leaves a block
 // with surrogates to the rule for one character. SSE2 narrows ASCII.
@@ -17,6 +18,50 @@ using To8 = Cursor<Zel16u, Zel8u>;
 
 #if defined(ZEL_ISA_AVX512)
 
+/// 32 units of text, and those that are one further on.
+template <bool swapBytes>
+struct Utf16Block {
+    const Zel16u* p;
+
+    ZEL_INLINE __m512i from(int at) const { return inOrder(_mm512_loadu_si512(p + at)); }
+    ZEL_INLINE static __m512i inOrder(__m512i v) {
+        if constexpr (!swapBytes) return v;
+        return _mm512_or_si512(_mm512_slli_epi16(v, 8), _mm512_srli_epi16(v, 8));
+    }
+};
+
+/// The same at the end of a text, of which n units are left, at most 32; zeros behind.
+template <bool swapBytes>
+struct LastUtf16Block {
+    const Zel16u* p;
+    int n;
+
+    ZEL_INLINE __m512i from(int at) const {
+        return Utf16Block<swapBytes>::inOrder(Vec<Zel16u>::loadFirst(p + at, n - at).v);
+    }
+};
+
+/// What is looked up for the units of a block that has longer sequences than those of two bytes.
+struct Utf16Tables {
+    /// By the number of leading zeros of a value, which are 32 if it is zero, what marks its bytes:
+    /// also the seventh bit of a byte alone, where only that many bits are left.
+    alignas(64) Zel32u marks[32] = {};
+    /// Each unit of the lower and of the upper half of a block, and the one behind it. The upper
+    /// half is taken from the block that is one unit further on.
+    alignas(64) Zel16u lower[32] = {}, upper[32] = {};
+
+    constexpr Utf16Tables() {
+        for (int zeros = 11; zeros < 25; ++zeros)
+            marks[zeros] = zeros < 16 ? 0x808080F0 : zeros < 21 ? 0x8080E000 : 0x80C00000;
+        marks[25] = 0x40000000;
+        for (int i = 0; i < 32; ++i) {
+            lower[i] = static_cast<Zel16u>((i + 1) / 2);
+            upper[i] = static_cast<Zel16u>((i + 1) / 2 + 15);
+        }
+    }
+};
+inline constexpr Utf16Tables kUtf16Tables;
+
 template <bool swapBytes>
 class Utf16BlockConverter {
 public:
@@ -28,15 +73,18 @@ public:
         // The unit behind a block decides whether its last one begins a pair.
         while (at_.room > 0 && at_.readable() > kUnits) {
             if (wasAscii_ && narrow()) continue;
-            const auto next = [this] { return _mm512_loadu_si512(at_.src + 1); };
-            if (!convert(inOrder(_mm512_loadu_si512(at_.src)), next, kUnits)) return end();
+            if (!convert(Utf16Block<swapBytes>{at_.src}, kUnits)) return end();
         }
-        if (at_.remaining > 0 && at_.remaining <= kUnits && at_.readable() == at_.remaining) {
-            const int n = static_cast<int>(at_.remaining);
-            const auto next = [this, n] { return Vec<Zel16u>::loadFirst(at_.src + 1, n - 1).v; };
-            convert(inOrder(Vec<Zel16u>::loadFirst(at_.src, n).v), next, n);
-        }
+        if (at_.remaining > 0 && at_.remaining <= kUnits && at_.readable() == at_.remaining)
+            runShort();
         return end();
+    }
+
+    /// Converts a text of at most 32 units, if it fits. Answers how much room is left, or less than
+    /// nothing.
+    ZEL_INLINE long runShort() {
+        const int n = static_cast<int>(at_.remaining);
+        return convert(LastUtf16Block<swapBytes>{at_.src, n}, n) ? at_.room : -1;
     }
 
 private:
@@ -48,19 +96,8 @@ private:
         return at_;
     }
 
-    ZEL_INLINE static __m512i inOrder(__m512i v) {
-        if constexpr (!swapBytes) return v;
-        return _mm512_or_si512(_mm512_slli_epi16(v, 8), _mm512_srli_epi16(v, 8));
-    }
-
-    /// The units of one kind of surrogates, which agree in the upper six bits.
-    ZEL_INLINE static uint32_t surrogates(__m512i units, int first) {
-        const __m512i kind = _mm512_and_si512(units, _mm512_set1_epi16(static_cast<short>(0xFC00)));
-        return _mm512_cmpeq_epi16_mask(kind, _mm512_set1_epi16(static_cast<short>(first)));
-    }
-
     ZEL_INLINE static uint32_t above7Bits(__m512i units) {
-        return _mm512_test_epi16_mask(units, _mm512_set1_epi16(-0x80));
+        return _mm512_test_epi16_mask(units, splatWord<0xFF80FF80FF80FF80>());
     }
 
     /// Narrows two blocks at a time, while they are ASCII. Answers whether there were any.
@@ -70,8 +107,8 @@ private:
         const __m512i order = _mm512_set_epi64(7, 5, 3, 1, 6, 4, 2, 0);
         const Zel16u* const start = at_.src;
         while (at_.readable() >= kTwo && at_.room >= kTwo) {
-            const __m512i a = inOrder(_mm512_loadu_si512(at_.src));
-            const __m512i b = inOrder(_mm512_loadu_si512(at_.src + kUnits));
+            const Utf16Block<swapBytes> block = {at_.src};
+            const __m512i a = block.from(0), b = block.from(kUnits);
             if (above7Bits(_mm512_or_si512(a, b)) != 0) break;
             const __m512i packed = _mm512_packus_epi16(a, b);
             _mm512_storeu_si512(at_.dst, _mm512_permutexvar_epi64(order, packed));
@@ -80,14 +117,13 @@ private:
         return at_.src != start;
     }
 
-    /// Converts the first n units, if there is room for their bytes. `next` loads the units one
-    /// further on.
-    template <typename Next>
-    ZEL_INLINE bool convert(__m512i units, Next next, int n) {
+    /// Converts the first n units, if there is room for their bytes.
+    template <typename Block>
+    ZEL_INLINE bool convert(const Block& block, int n) {
+        const __m512i units = block.from(0);
         const uint32_t above7 = above7Bits(units);
         wasAscii_ = above7 == 0;
-        const uint32_t above11 = _mm512_test_epi16_mask(units, _mm512_set1_epi16(-0x800));
-        if (above11 == 0) {
+        if (_mm512_test_epi16_mask(units, splatWord<0xF800F800F800F800>()) == 0) {
             const int count = n + __builtin_popcount(above7);
             if (count > at_.room) return false;
             if (wasAscii_) {
@@ -99,89 +135,101 @@ private:
             at_.advance(n, count);
             return true;
         }
-
-        uint32_t pairs = 0;
-        __m512i second = _mm512_setzero_si512();
-        if (const uint32_t high = surrogates(units, 0xD800); high != 0) {
-            second = inOrder(next());
-            pairs = high & surrogates(second, 0xDC00);
-        }
-        const uint32_t kept = static_cast<uint32_t>(lowBits(n)) & ~(pairs << 1 | owed_);
-        const Sizes sizes = {kept, above7 & kept, above11 & kept, pairs};
-        const int count = sizes.sum();
-        if (count > at_.room) return false;
-        storeLong(_mm512_castsi512_si256(units), _mm512_castsi512_si256(second), sizes.lowerHalf());
-        storeLong(_mm512_extracti64x4_epi64(units, 1), _mm512_extracti64x4_epi64(second, 1),
-                  sizes.upperHalf());
-        at_.src += n;
-        at_.remaining -= n;
-        owed_ = pairs >> 31;
-        return true;
+        const __m512i kind = _mm512_and_si512(units, splatWord<0xF800F800F800F800>());
+        if (_mm512_cmpeq_epi16_mask(kind, splatWord<0xD800D800D800D800>()) == 0)
+            return convertUnits(units, n);
+        return convertPairs(block, n);
     }
 
     /// Stores units below 0x800, in a word each.
     ZEL_INLINE void storeShort(__m512i units, uint32_t above7, int n, int count) {
-        const __m512i bits = choose(_mm512_set1_epi16(0x3F00), _mm512_slli_epi16(units, 8),
-                                    _mm512_srli_epi16(units, 6));
-        const __m512i two = _mm512_or_si512(bits, _mm512_set1_epi16(static_cast<short>(0x80C0)));
+        const __m512i bits =
+            _mm512_ternarylogic_epi64(splatWord<0x3F003F003F003F00>(), _mm512_slli_epi16(units, 8),
+                                      _mm512_srli_epi16(units, 6), kChoose);
+        const __m512i two = _mm512_or_si512(bits, splatWord<0x80C080C080C080C0>());
         const __m512i bytes = _mm512_mask_mov_epi16(units, above7, two);
         const uint64_t used = _mm512_movepi8_mask(bytes) | (0x5555555555555555 & lowBits(2 * n));
         _mm512_mask_storeu_epi8(at_.dst, lowBits(count), _mm512_maskz_compress_epi8(used, bytes));
     }
 
-    /// Which of the units have a byte at all, and a second, third and fourth one.
-    struct Sizes {
-        uint32_t one, two, three, four;
-
-        ZEL_INLINE int sum() const {
-            return __builtin_popcount(one) + __builtin_popcount(two) + __builtin_popcount(three) +
-                   __builtin_popcount(four);
-        }
-        ZEL_INLINE Sizes lowerHalf() const {
-            return {one & 0xFFFF, two & 0xFFFF, three & 0xFFFF, four & 0xFFFF};
-        }
-        ZEL_INLINE Sizes upperHalf() const {
-            return {one >> 16, two >> 16, three >> 16, four >> 16};
-        }
+    /// The characters of 16 lanes, their bytes at the upper ends, and which bytes are in use.
+    struct Half {
+        __m512i bytes;
+        uint64_t used;
     };
-
-    /// Stores 16 units, in a double word each. The last byte of a character is that of its lane.
-    ZEL_INLINE void storeLong(__m256i units, __m256i second, Sizes sizes) {
-        const auto lanes = [](uint32_t bits) { return static_cast<__mmask16>(bits); };
-        __m512i value = _mm512_cvtepu16_epi32(units);
-        if (sizes.four != 0) {
-            constexpr int kMarks = (0xD800 << 10) + 0xDC00 - 0x10000;
-            const __m512i low =
-                _mm512_sub_epi32(_mm512_cvtepu16_epi32(second), _mm512_set1_epi32(kMarks));
-            const __m512i high = _mm512_slli_epi32(value, 10);
-            value = _mm512_mask_add_epi32(value, lanes(sizes.four), high, low);
-        }
+    ZEL_INLINE static Half encode(__m512i values) {
+        const __m512i marks = _mm512_permutex2var_epi32(_mm512_load_si512(kUtf16Tables.marks),
+                                                        _mm512_lzcnt_epi32(values),
+                                                        _mm512_load_si512(kUtf16Tables.marks + 16));
         // Six bits a byte, the first one of each lane at the lower end.
-        const __m512i sixes = _mm512_set1_epi64(0x20262C3200060C12);
-        const __m512i continuationBits = _mm512_set1_epi32(0x3F3F3F07);
-        const __m512i marks = _mm512_set1_epi32(static_cast<int>(0x808080F0));
-        __m512i bytes = _mm512_multishift_epi64_epi8(sixes, value);
-        bytes = _mm512_ternarylogic_epi32(bytes, continuationBits, marks, 0xEA);
-        // Where the sequence begins later, its first byte becomes a lead byte.
-        bytes = _mm512_mask_or_epi32(bytes, lanes(sizes.three & ~sizes.four), bytes,
-                                     _mm512_set1_epi32(0x6000));
-        bytes = _mm512_mask_or_epi32(bytes, lanes(sizes.two & ~sizes.three), bytes,
-                                     _mm512_set1_epi32(0x400000));
-        bytes = _mm512_mask_slli_epi32(bytes, lanes(~sizes.two), value, 24);
-
-        const uint64_t used =
-            _pdep_u64(sizes.one, 0x8888888888888888) | _pdep_u64(sizes.two, 0x4444444444444444) |
-            _pdep_u64(sizes.three, 0x2222222222222222) | _pdep_u64(sizes.four, 0x1111111111111111);
-        const int count = __builtin_popcountll(used);
-        _mm512_mask_storeu_epi8(at_.dst, lowBits(count), _mm512_maskz_compress_epi8(used, bytes));
-        at_.dst += count;
-        at_.room -= count;
+        const __m512i sixes = splatWord<0x20262C3200060C12>();
+        const __m512i bits = _mm512_multishift_epi64_epi8(sixes, values);
+        const __m512i bytes =
+            _mm512_ternarylogic_epi64(splatWord<0x3F3F3F073F3F3F07>(), bits, marks, kMaskAndOr);
+        return {bytes, _mm512_movepi8_mask(bytes) | 0x8888888888888888};
     }
 
-    /// Bits of `a` where the mask's bits are set, bits of b elsewhere.
-    ZEL_INLINE static __m512i choose(__m512i mask, __m512i a, __m512i b) {
-        return _mm512_ternarylogic_epi64(mask, a, b, 0xCA);
+    /// Converts units of which none is a surrogate.
+    ZEL_INLINE bool convertUnits(__m512i units, int n) {
+        const auto half = [](__m256i of) { return encode(_mm512_cvtepu16_epi32(of)); };
+        const Half lower = half(_mm512_castsi512_si256(units));
+        return store(lower, n > 16 ? half(_mm512_extracti64x4_epi64(units, 1)) : nothing(), 0, n);
     }
+
+    /// Converts units among which there are surrogates.
+    template <typename Block>
+    ZEL_INLINE bool convertPairs(const Block& block, int n) {
+        uint32_t pairs = 0;
+        const auto half = [&](__m512i units, const Zel16u* which, int at) {
+            const __m512i both = _mm512_permutexvar_epi16(_mm512_load_si512(which), units);
+            const __m512i kinds = _mm512_and_si512(both, splatWord<0xFC00FC00FC00FC00>());
+            const __mmask16 isPair =
+                _mm512_cmpeq_epi32_mask(kinds, splatWord<0xDC00D800DC00D800>());
+            pairs |= static_cast<uint32_t>(isPair) << at;
+            // Both are multiplied as signed numbers, and then the marks are taken off.
+            constexpr int kMarks = (0xD800 << 10) + 0xDC00 - (1 << 26) - (1 << 16) - 0x10000;
+            const __m512i value = _mm512_madd_epi16(both, splatWord<0x0001040000010400>());
+            return encode(_mm512_mask_sub_epi32(
+                _mm512_and_si512(both, splatWord<0x0000FFFF0000FFFF>()), isPair, value,
+                splatWord<static_cast<uint32_t>(kMarks) * 0x0000000100000001u>()));
+        };
+        const Half lower = half(block.from(0), kUtf16Tables.lower, 0);
+        const Half upper = n > 16 ? half(block.from(1), kUtf16Tables.upper, 16) : nothing();
+        if (!store(lower, upper, pairs << 1 | owed_, n)) return false;
+        owed_ = pairs >> 31;
+        return true;
+    }
+
+    ZEL_INLINE static Half nothing() { return {_mm512_setzero_si512(), 0}; }
+
+    /// Stores the bytes of n units but for those that are left out, if they fit.
+    ZEL_INLINE bool store(const Half& lower, const Half& upper, uint32_t leftOut, int n) {
+        const auto lanes = [](uint32_t units) {
+            return _pdep_u64(units, 0x1111111111111111) * 0xF;
+        };
+        const uint64_t lowerUsed = lower.used & ~lanes(leftOut & 0xFFFF) & lowBits(4 * n);
+        const uint64_t upperUsed =
+            n > 16 ? upper.used & ~lanes(leftOut >> 16) & lowBits(4 * n - 64) : 0;
+        const int lowerCount = __builtin_popcountll(lowerUsed);
+        const int count = lowerCount + __builtin_popcountll(upperUsed);
+        if (count > at_.room) return false;
+        // What is too much of the lower half is written over.
+        const Vec<Zel8u> first = {_mm512_maskz_compress_epi8(lowerUsed, lower.bytes)};
+        if (count >= 64)
+            first.store(at_.dst);
+        else
+            first.storeFirst(at_.dst, count);
+        if (n > 16) {
+            Vec<Zel8u>{_mm512_maskz_compress_epi8(upperUsed, upper.bytes)}.storeFirst(
+                at_.dst + lowerCount, count - lowerCount);
+        }
+        at_.advance(n, count);
+        return true;
+    }
+
+    // Of three vectors: the second where the first one's bits are set, and elsewhere the third, or
+    // the third in either case.
+    static constexpr int kChoose = 0xCA, kMaskAndOr = 0xEA;
 
     To8 at_;
     uint32_t owed_ = 0;  // 1 when the next unit belongs to the last pair
@@ -192,6 +240,18 @@ private:
 template <bool swapBytes>
 ZEL_INLINE To8 convertBlocks(To8 at) {
     return Utf16BlockConverter<swapBytes>(at).run();
+}
+
+/// What is converted in one piece.
+constexpr int kShortUtf16 = 32;
+
+/// Converts a text of at most so many units, if it fits. Answers whether it did.
+ZEL_INLINE bool convertShort(const Zel16u* src, int srcLen, Zel8u* dst, int* dstLen) {
+    if (srcLen <= 0 || srcLen > *dstLen) return false;
+    const long left = Utf16BlockConverter<false>({src, srcLen, dst, *dstLen}).runShort();
+    if (left < 0) return false;
+    *dstLen -= static_cast<int>(left);
+    return true;
 }
 
 #elif defined(ZEL_ISA_AVX2)
@@ -356,6 +416,16 @@ ZEL_INLINE To8 convertBlocks(To8 at) {
         at.advance(16, 16);
     }
     return at;
+}
+
+#endif
+
+#if !defined(ZEL_ISA_AVX512)
+
+// One character after the other is as good.
+constexpr int kShortUtf16 = 0;
+ZEL_INLINE bool convertShort(const Zel16u*, int, Zel8u*, int*) {
+    return false;
 }
 
 #endif
