@@ -1,12 +1,9 @@
 // The light program: a second form of simple patterns that begin at the start of the text, made for
 // short texts. Where the object has room behind the text of its literals, the compiler puts one
-// there, and the matcher's light walk runs it; the nodes say the same, and are what counts.
+// there, and the matcher's light walk runs it; the nodes say the same, and are what counts. It is
+// the last of the notes that notes.h speaks of.
 //
-//   text of the literals | LightProgram | its own sets | operations
-//
-// Literal text holds no zero byte and a program begins with one, which leads to it. This byte is
-// there whenever the first node is an assertion that stands in the pattern; another zero behind it
-// means that there is no program. Nothing in a program is an address: an object may be copied.
+//   LightProgram | its own sets | operations
 //
 // Room is scarce, as little as 24 bytes where each byte of the pattern became a node. So everything
 // in a program is bytes, and operations are of different sizes.
@@ -161,7 +158,7 @@ struct LightProgram {
 };
 static_assert(sizeof(LightProgram) == 5);
 
-/// Whether there is at least the zero byte behind the text of the literals.
+/// Whether the first node is an assertion that stands in the pattern.
 inline bool mayHaveLightProgram(const ZelRegExpState& state) {
     if (state.nodeCount == 0) return false;
     const Node& first = state.nodes()[0];

@@ -1,5 +1,5 @@
 // What a compiled pattern is: the object that callers provide memory for, and the node program
-// inside it. This file and light_program.h are the whole contract between the compiler, which
+// inside it. This file and notes.h are the whole contract between the compiler, which
 // writes an object, and the matcher, which reads it; neither includes anything else of the other.
 // The layout is visible to callers (sizes, and the steps a search takes), so no field may move and
 // no node may be added or left out.
@@ -7,8 +7,7 @@
 //   byte     0  header: magic, options, counts, trailing literal, match limit, format
 //   byte    32  group frames      1000 x 32 bytes   scratch of one search
 //   byte 32032  capture records   1000 x 16 bytes   scratch of one search
-//   byte 48032  nodes             24 bytes each, then the text of all literal runs, and where there
-//                                 is room a light program
+//   byte 48032  nodes             24 bytes each, then the text of all literal runs, and notes
 #pragma once
 
 #include <stddef.h>

@@ -6,7 +6,10 @@
 
 #include "regexp/compile/compile.h"
 #include "regexp/compile/light_program.h"
+#include "regexp/compile/required_text.h"
 #include "regexp/compile/structure.h"
+#include "regexp/notes.h"
+#include "regexp/required_text.h"
 
 namespace zel {
 namespace {
@@ -165,6 +168,7 @@ namespace {
 /// would fail further right in it too.
 bool beginsWithAnyRun(const Zel8u* p) {
     if (p[0] == '.' && (p[1] == '*' || p[1] == '+')) return p[2] != '?';
+    if (p[0] != '(') return false;
     const char* const s = reinterpret_cast<const char*>(p);
     return strncmp(s, "(?:.*)", 6) == 0 || strncmp(s, "(?:.+)", 6) == 0;
 }
@@ -195,6 +199,18 @@ bool readOptions(const char* options, Zel32u& flags) {
         }
     }
     return true;
+}
+
+/// Puts the notes behind the text of the literals.
+void addNotes(ZelRegExpState& state, const Compiler& compiler, long nodeRoom) {
+    if (!mayHaveNotes(state)) return;
+    const auto* text = reinterpret_cast<const Zel8u*>(state.nodes() + state.nodeCount);
+    Zel8u* notes = compiler.textEnd();
+    // An alternative at top level can do without the others' literals.
+    if (notes - text >= kTripleLength && !compiler.hasTopLevelBar())
+        notes = addRequiredText(state, notes);
+    notes[0] = notes[1] = 0;  // the end of the notes, if there are no more
+    addLightProgram(state, notes, nodeRoom);
 }
 
 }  // namespace
@@ -231,7 +247,7 @@ ZelStatus compilePattern(const char* pSrc, const char* pOptions, ZelRegExpState*
     pState->matchLimit = kDefaultMatchLimit;
     pState->trailingLiteral = compiler.trailingLiteral();
     pState->nodeCount = compiler.nodeCount();
-    addLightProgram(*pState, compiler.textEnd(), compiler.patternEnd() - pattern + 1);
+    addNotes(*pState, compiler, compiler.patternEnd() - pattern + 1);
     return zelStatusOk;
 }
 

@@ -47,6 +47,7 @@ public:
     const Zel8u* errorAt() const { return errorAt_; }
     const Zel8u* patternEnd() const { return p_; }
     Zel8u* textEnd() const { return textEnd_; }  // of the literals' text
+    bool hasTopLevelBar() const { return hasTopLevelBar_; }
 
 private:
     /// A group whose ")" has not been reached.
@@ -134,6 +135,7 @@ private:
     Zel32u runFlags_ = 0;  // in force where the run stands
 
     int trailingLiteral_ = kNoTrailingLiteral;
+    bool hasTopLevelBar_ = false;
 
     const Zel8u* quantifierEnd_ = nullptr;  // the byte behind the last quantifier
     int classEnd_ = -1;                     // node index behind the last class with members

@@ -119,6 +119,7 @@ void Compiler::bar() {
     int serial = 0;
     if (groupDepth_ == 0) {
         trailingLiteral_ = kTrailingLiteralBlocked;
+        hasTopLevelBar_ = true;
     } else {
         OpenGroup& group = groups_[groupDepth_ - 1];
         serial = group.serial;

@@ -534,16 +534,15 @@ private:
 
 }  // namespace
 
-void addLightProgram(ZelRegExpState& state, Zel8u* textEnd, long nodeRoom) {
+void addLightProgram(ZelRegExpState& state, Zel8u* place, long nodeRoom) {
     if (!mayHaveLightProgram(state)) return;
-    textEnd[0] = textEnd[1] = 0;
     const Node& first = state.nodes()[0];
     const bool isAnchored = first.value == 'A' || first.value == 'G' ||
                             (first.value == '^' && (state.options & kOptionMultiLine) == 0);
     if (!isAnchored || (state.options & (kOptionIgnoreCase | kOptionGlobal)) != 0) return;
     const auto* end = reinterpret_cast<const Zel8u*>(state.nodes() + nodeRoom);
-    LightCompiler compiler(state, static_cast<size_t>(end - textEnd));
-    if (compiler.compile()) compiler.write(textEnd);
+    LightCompiler compiler(state, static_cast<size_t>(end - place));
+    if (compiler.compile()) compiler.write(place);
 }
 
 }  // namespace zel

@@ -5,8 +5,8 @@
 
 namespace zel {
 
-/// Puts a program, or what says that there is none, behind the text of the literals, which
-/// ends at `textEnd`. `nodeRoom` is the number of nodes that there is room for in the object.
-void addLightProgram(ZelRegExpState& state, Zel8u* textEnd, long nodeRoom);
+/// Puts a program, if the pattern has one, to `place` behind the text of the literals. `nodeRoom`
+/// is the number of nodes that there is room for in the object.
+void addLightProgram(ZelRegExpState& state, Zel8u* place, long nodeRoom);
 
 }  // namespace zel

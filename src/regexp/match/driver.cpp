@@ -20,7 +20,6 @@
 #include "regexp/match/plain_literals.h"
 #include "regexp/match/plan.h"
 #include "regexp/match/predicates.h"
-#include "regexp/match/required.h"
 #include "string/kernels/api.h"
 #include "string/utf8.h"
 
@@ -415,15 +414,11 @@ ZelStatus findAll(Search& search, const Zel8u* text, int numCaptures, bool whole
                                                       int srcLen,
                                                       const ZelRegExpState* pRegExpState,
                                                       ZelRegExpFind* pResult, int* pNumFind,
-                                                      int wholeMatchToo, const TextPairs* pairs) {
+                                                      int wholeMatchToo) {
     if (anyNull(pSrc, pRegExpState, pResult)) return zelStatusNullPointer;
     if (anyNegative(srcLen)) return zelStatusLengthError;
     if (*pNumFind < 1) return zelStatusSizeError;
     if (pRegExpState->magic != kRegExpMagic) return zelStatusContextMatchError;
-    if (pairs != nullptr && surelyFindsNothing(*pRegExpState, *pairs)) {
-        *pNumFind = 0;
-        return zelStatusOk;
-    }
     const SearchRequest request = {work,
                                    pSrc,
                                    narrowedLength(pSrc, srcLen, *pRegExpState),
@@ -441,15 +436,15 @@ ZelStatus findAll(Search& search, const Zel8u* text, int numCaptures, bool whole
 
 ZelStatus searchWith(const WorkAreas& work, const Zel8u* pSrc, int srcLen,
                      const ZelRegExpState* pRegExpState, ZelRegExpFind* pResult, int* pNumFind,
-                     int wholeMatchToo, const TextPairs* pairs) {
-    return searchShortly(work, pSrc, srcLen, pRegExpState, pResult, pNumFind, wholeMatchToo, pairs);
+                     int wholeMatchToo) {
+    return searchShortly(work, pSrc, srcLen, pRegExpState, pResult, pNumFind, wholeMatchToo);
 }
 
 ZelStatus ownsRegExpFind_8u(const Zel8u* pSrc, int srcLen, ZelRegExpState* pRegExpState,
                             ZelRegExpFind* pResult, int* pNumFind, int wholeMatchToo) {
     if (pRegExpState == nullptr) return zelStatusNullPointer;
     return searchShortly({pRegExpState->groups, pRegExpState->captures}, pSrc, srcLen, pRegExpState,
-                         pResult, pNumFind, wholeMatchToo, nullptr);
+                         pResult, pNumFind, wholeMatchToo);
 }
 
 }  // namespace zel

@@ -6,8 +6,6 @@
 
 namespace zel {
 
-class TextPairs;
-
 /// The scratch memory of one search: a pattern object's own, or a thread's when several threads may
 /// search the same object. Both have kMaxGroups entries; neither needs to be initialised.
 struct WorkAreas {
@@ -36,10 +34,9 @@ inline void copyRecords(const CaptureRecord* captures, int count, ZelRegExpFind*
 
 /// Searches with the given work areas. Checks its arguments; see zelsRegExpFind_8u for the
 /// contract. `wholeMatchToo` makes find-all mode report the whole match in front of its groups.
-/// `pairs`, when not null, are those of the subject.
 ZelStatus searchWith(const WorkAreas& work, const Zel8u* pSrc, int srcLen,
                      const ZelRegExpState* pRegExpState, ZelRegExpFind* pResult, int* pNumFind,
-                     int wholeMatchToo, const TextPairs* pairs = nullptr);
+                     int wholeMatchToo);
 
 /// Searches with the pattern object's own work areas.
 ZelStatus ownsRegExpFind_8u(const Zel8u* pSrc, int srcLen, ZelRegExpState* pRegExpState,

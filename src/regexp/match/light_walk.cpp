@@ -2,7 +2,6 @@
 // engine.cpp, greedy_runs.h, groups.h and lazy_runs.cpp.
 #include "regexp/match/light_walk.h"
 
-#include <emmintrin.h>
 #include <string.h>
 
 #include "regexp/match/positions.h"
@@ -386,18 +385,6 @@ const LightOperation* LightWalk<kOneWord>::passOver(const LightOperation& passed
 }
 
 }  // namespace
-
-const LightProgram* findLightProgramBehind(const Zel8u* text) {
-    ptrdiff_t length = 0;
-    unsigned zeros = 0;
-    for (;; length += 16) {
-        const auto* at = reinterpret_cast<const __m128i*>(text + length);
-        const __m128i isZero = _mm_cmpeq_epi8(_mm_loadu_si128(at), _mm_setzero_si128());
-        zeros = static_cast<unsigned>(_mm_movemask_epi8(isZero));
-        if (zeros != 0) break;
-    }
-    return reinterpret_cast<const LightProgram*>(text + length + __builtin_ctz(zeros));
-}
 
 LightOutcome walkLightly(const LightProgram& program, const SearchRequest& request) {
     const kernels::AsciiSets sets = {program.sets(), program.setCount,

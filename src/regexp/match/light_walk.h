@@ -11,22 +11,19 @@
 
 #include "regexp/light_program.h"
 #include "regexp/match/driver.h"
+#include "regexp/required_text.h"
 
 namespace zel {
 
 enum class LightOutcome { kMatched, kFailed, kNotKnown };
 
-/// The program behind the text of literals, or what stands in its place.
-const LightProgram* findLightProgramBehind(const Zel8u* text);
-
 /// The pattern's light program; null when it has none.
 inline const LightProgram* findLightProgram(const ZelRegExpState& state) {
     if (!mayHaveLightProgram(state)) return nullptr;
-    const Node* const end = state.nodes() + state.nodeCount;
-    const auto* text = reinterpret_cast<const Zel8u*>(end);
-    const LightProgram* program =
-        *text == 0 ? reinterpret_cast<const LightProgram*>(end) : findLightProgramBehind(text);
-    return program->mark == LightProgram::kMark ? program : nullptr;
+    const auto* text = reinterpret_cast<const Zel8u*>(state.nodes() + state.nodeCount);
+    const Zel8u* note = *text == 0 ? text : findNotes(state);
+    if (note[1] == RequiredText::kMark) note += sizeof(RequiredText);
+    return note[1] == LightProgram::kMark ? reinterpret_cast<const LightProgram*>(note) : nullptr;
 }
 
 /// Searches with a light program, and writes the outcome if it is known: then it is that of the

@@ -14,7 +14,7 @@
 #include "core/checks.h"
 #include "core/memory.h"
 #include "regexp/match/driver.h"
-#include "regexp/match/required.h"
+#include "regexp/match/text_triples.h"
 #include "zelcore.h"
 
 namespace zel {
@@ -29,38 +29,44 @@ int findIdentifier(const ZelRegExpMultiState& set, Zel32u identifier) {
     return kNoSlot;
 }
 
-/// Searches one slot and fills its record; `search` is the search to use. Empty slots are passed
-/// over, their records are the caller's.
-template <typename Search>
-void searchSlot(const ZelRegExpMultiState& set, int slot, ZelRegExpMultiFind& record,
-                Search search) {
-    ZelRegExpState* const pattern = set.patterns[slot];
-    if (pattern == nullptr) return;
-    record.status = zelStatusOk;
-    record.identifier = 0;
-    record.searched = 0;
-    record.status = search(pattern, record.pFind, &record.numFind);
-    record.identifier = set.identifiers[slot];
-    record.searched = 1;
-}
-
 struct MultiSearch {
     const Zel8u* source;
     int sourceLength;
     ZelRegExpMultiFind* results;
     const ZelRegExpMultiState* set;
-    const TextPairs* pairs;  // of the source, null when it is too long for them
+    const TextTriples& triples;  // of the source
 };
 
-void searchSerially(const MultiSearch& job) {
-    for (int slot = 0; slot < job.set->capacity; ++slot) {
-        searchSlot(*job.set, slot, job.results[slot],
-                   [&](ZelRegExpState* pattern, ZelRegExpFind* found, int* numFind) {
-                       const WorkAreas work = {pattern->groups, pattern->captures};
-                       return searchWith(work, job.source, job.sourceLength, pattern, found,
-                                         numFind, 0, job.pairs);
-                   });
+/// Searches a run of slots and fills their records; `workFor` has the work areas for a pattern.
+/// Empty slots are passed over, their records are the caller's.
+template <typename WorkFor>
+void searchSlots(const MultiSearch& job, Division::Range slots, WorkFor workFor) {
+    const PatternSlot* const patterns = job.set->patterns;
+    const IdentifierSlot* const identifiers = job.set->identifiers;
+    const TextTriples& triples = job.triples;
+    ZelRegExpMultiFind* const results = job.results;
+    for (int slot = slots.first; slot < slots.last; ++slot) {
+        ZelRegExpState* const pattern = patterns[slot];
+        if (pattern == nullptr) continue;
+        ZelRegExpMultiFind& record = results[slot];
+        const bool isAllowed =
+            record.pFind != nullptr && record.numFind >= 1 && pattern->magic == kRegExpMagic;
+        if (isAllowed && triples.surelyExclude(*pattern)) {
+            record.status = zelStatusOk;
+            record.numFind = 0;
+        } else {
+            record.status = searchWith(workFor(*pattern), job.source, job.sourceLength, pattern,
+                                       record.pFind, &record.numFind, 0);
+        }
+        record.identifier = identifiers[slot];
+        record.searched = 1;
     }
+}
+
+void searchSerially(const MultiSearch& job) {
+    searchSlots(job, {0, job.set->capacity}, [](ZelRegExpState& pattern) {
+        return WorkAreas{pattern.groups, pattern.captures};
+    });
 }
 
 /// Searches a team member's slots with scratch of its own. Not inlined, so that the 48,000 bytes
@@ -68,14 +74,7 @@ void searchSerially(const MultiSearch& job) {
 [[gnu::noinline]] void searchRange(const MultiSearch& job, Division::Range slots) {
     GroupFrame groups[kMaxGroups];
     CaptureRecord captures[kMaxGroups];
-    const WorkAreas work = {groups, captures};
-    for (int slot = slots.first; slot < slots.last; ++slot) {
-        searchSlot(*job.set, slot, job.results[slot],
-                   [&](ZelRegExpState* pattern, ZelRegExpFind* found, int* numFind) {
-                       return searchWith(work, job.source, job.sourceLength, pattern, found,
-                                         numFind, 0, job.pairs);
-                   });
-    }
+    searchSlots(job, slots, [&](ZelRegExpState&) { return WorkAreas{groups, captures}; });
 }
 
 /// Where the runtime forms no team, as inside another parallel region, and where none is worth
@@ -212,12 +211,8 @@ ZelStatus zelsRegExpMultiFind_8u(const Zel8u* pSrc, int srcLen, ZelRegExpMultiFi
                                  const ZelRegExpMultiState* pState) {
     if (anyNull(pSrc, pState, pResult)) return zelStatusNullPointer;
     if (srcLen < 1) return zelStatusSizeError;
-    if (srcLen > TextPairs::kLongestText) {
-        searchAll({pSrc, srcLen, pResult, pState, nullptr});
-    } else {
-        const TextPairs pairs(pSrc, srcLen);
-        searchAll({pSrc, srcLen, pResult, pState, &pairs});
-    }
+    const TextTriples triples(pSrc, srcLen);
+    searchAll({pSrc, srcLen, pResult, pState, triples});
     return zelStatusOk;
 }
 

@@ -1,8 +1,9 @@
 // The reject of pattern sets by a literal that the subject does not hold: it must say what a search
 // would say, at every match limit, and it must say something at all.
-#include "regexp/match/required.h"
+#include "regexp/match/text_triples.h"
 
 #include <gtest/gtest.h>
+#include <string.h>
 
 #include <string>
 #include <vector>
@@ -19,8 +20,8 @@ const Zel8u* bytes(const std::string& text) {
 }
 
 bool isRejected(Pattern& pattern, const std::string& text) {
-    const TextPairs pairs(bytes(text), static_cast<int>(text.size()));
-    return surelyFindsNothing(*pattern.state(), pairs);
+    const TextTriples triples(bytes(text), static_cast<int>(text.size()));
+    return triples.surelyExclude(*pattern.state());
 }
 
 struct SetResult {
@@ -75,6 +76,21 @@ const std::vector<std::string> kPatterns = {
     "(?:ab)+needle",
     "x*y*z*needle",
     "ne(?#between)edle",
+    "hay+needle",
+    "x?(needl)e",
+    "needle\\[[^\\]]+\\]",
+    "(?:hay)+_needle",
+    "(?:hay)*needle",
+    "(?:a|b)?_needle",
+    "\\w+ing \\w+ed needle",
+    "(a*)*needle",
+    "needle (?:hay ){1,3}needl",
+    "^needle (\\d+) hay$",
+    "\\w{1,9}\\w{1,9}\\w{1,9}needle\\d",
+    ".*needle\\d",
+    ".+needle|hay",
+    "\\p{Ll}+needle",
+    "needle\\p{Lu}+?",
 };
 
 const std::vector<std::string> kTexts = {
@@ -89,9 +105,11 @@ const std::vector<std::string> kTexts = {
     "bc needlE bcneedle",
     "\xC3\xA9 needl\xC3\xA9 \xC3\xA9needle",
     "xyz xxyyzz",
+    "n",
+    std::string(150, 'a') + "needl",
 };
 
-TEST(Required, ASetSaysWhatASearchSaysAtEveryMatchLimit) {
+TEST(TextTriples, ASetSaysWhatASearchSaysAtEveryMatchLimit) {
     for (const std::string& text : kTexts) {
         for (const std::string& expression : kPatterns) {
             for (const char* options : {"", "g", "i"}) {
@@ -108,9 +126,10 @@ TEST(Required, ASetSaysWhatASearchSaysAtEveryMatchLimit) {
     }
 }
 
-TEST(Required, ATextWithoutTheLiteralIsRejected) {
+TEST(TextTriples, ATextWithoutTheLiteralIsRejected) {
     for (const char* expression :
-         {"needle", "\\bneedle\\b", "\\d+needle", "[a-z]+needle", "(needle) (\\d+)", "x*needle"}) {
+         {"needle", "\\bneedle\\b", "\\d+needle", "[a-z]+needle", "(needle)(\\d+)", "x*needle",
+          "(?i)needle", "(?i:needle)", ".*needle", "\\d+(?:a|b)*needle", "^needle$", "needles?"}) {
         Pattern pattern(expression, "", 0);
         for (const std::string& text : kTexts) {
             if (text.find("needle") != std::string::npos) {
@@ -122,33 +141,82 @@ TEST(Required, ATextWithoutTheLiteralIsRejected) {
     }
 }
 
-TEST(Required, APatternThatDoesWithoutTheLiteralIsNotRejected) {
-    for (const char* expression : {"(?:needle)?", "needle|hay", "(hay|needle)", "(?i)needle",
-                                   "(?!needle)", "(?:needle){0,2}", "hay|needle"}) {
+TEST(TextTriples, APatternThatDoesWithoutTheLiteralIsNotRejected) {
+    for (const char* expression :
+         {"(?:needle)?", "needle|hay", "(hay|needle)", "(?!needle)", "(?:needle){0,2}",
+          "hay|needle", "ne?ed?le?", "(?=needle)?", "(?>needle)", "ne?ed?le*"}) {
         Pattern pattern(expression, "", 0);
-        EXPECT_FALSE(isRejected(pattern, "hay")) << expression;
+        EXPECT_FALSE(isRejected(pattern, "hay ne")) << expression;
     }
 }
 
-TEST(Required, ABudgetThatMayNotSufficeIsNotJudged) {
-    Pattern pattern("\\w+needle", "", 0);
-    pattern.limit(20);
+TEST(TextTriples, EachOfSeveralLiteralsIsMissed) {
+    for (const char* expression : {"needle(?: \\w+){1,3} stack", "needle\\d? stack",
+                                   "(needle) (stack)", "needle\\d+stack"}) {
+        Pattern pattern(expression, "", 0);
+        EXPECT_TRUE(isRejected(pattern, "a needle in the hay")) << expression;
+        EXPECT_TRUE(isRejected(pattern, "the stack of hay")) << expression;
+        EXPECT_FALSE(isRejected(pattern, "needle 12 stack needle stack")) << expression;
+    }
+}
+
+TEST(TextTriples, LiteralsThatFollowEachOtherAreOne) {
+    Pattern pattern("need(le)\\[(\\w+)", "", 0);
+    EXPECT_TRUE(isRejected(pattern, "need of le[s]"));
+    EXPECT_FALSE(isRejected(pattern, "a needle[s]"));
+}
+
+TEST(TextTriples, IgnoringCaseMakesNoDifference) {
+    Pattern pattern("Needle=", "i", 0);
+    EXPECT_FALSE(isRejected(pattern, "a nEEDLe="));
+    EXPECT_TRUE(isRejected(pattern, "a nEEDs"));
+}
+
+TEST(TextTriples, ABudgetThatMayNotSufficeIsNotJudged) {
+    Pattern pattern("\\w+needle\\d", "", 0);  // 13 starts, 13 lengths, three nodes
+    pattern.limit(13 * 13 * 3 - 1);
     EXPECT_FALSE(isRejected(pattern, "hayhayhayhay"));
-    pattern.limit(10000);
+    pattern.limit(13 * 13 * 3);
     EXPECT_TRUE(isRejected(pattern, "hayhayhayhay"));
 }
 
-TEST(Required, ALiteralIsFoundWhereverItStands) {
-    for (int length = 3; length < 20; ++length) {
-        const std::string literal =
-            std::string("abcdefghijklmnopqrst").substr(0, static_cast<size_t>(length));
+TEST(TextTriples, WithoutTheTrailingLiteralThereIsNoTextToSpendABudgetOn) {
+    Pattern pattern("\\w+needle", "", 0);
+    pattern.limit(1);
+    EXPECT_TRUE(isRejected(pattern, "hayhayhayhay"));
+    pattern.limit(0);
+    EXPECT_FALSE(isRejected(pattern, "hayhayhayhay"));
+}
+
+TEST(TextTriples, ACopyOfAPatternIsRejectedAsWell) {
+    int size = 0;
+    ASSERT_EQ(zelsRegExpGetSize("^needle \\d+", &size), zelStatusOk);
+    Pattern pattern("^needle \\d+", "", 0);
+    std::vector<uint64_t> copy(static_cast<size_t>(size) / 8 + 1);
+    memcpy(copy.data(), pattern.state(), static_cast<size_t>(size));
+    const auto* state = reinterpret_cast<const ZelRegExpState*>(copy.data());
+    const TextTriples triples(bytes("hay"), 3);
+    EXPECT_TRUE(triples.surelyExclude(*state));
+}
+
+TEST(TextTriples, NothingIsKnownOfALongText) {
+    Pattern pattern("needle", "", 0);
+    const std::string text(TextTriples::kLongestText, 'x');
+    EXPECT_TRUE(isRejected(pattern, text));
+    EXPECT_FALSE(isRejected(pattern, text + "x"));
+}
+
+TEST(TextTriples, ALiteralIsFoundWhereverItStands) {
+    for (size_t length = 3; length < 20; ++length) {
+        const std::string literal = std::string("abcdefghijklmnopqrst").substr(0, length);
+        Pattern pattern(literal, "", 0);
         for (size_t before = 0; before < 40; ++before) {
             for (size_t behind = 0; behind < 20; ++behind) {
                 const std::string text =
                     std::string(before, '.') + literal + std::string(behind, '-');
-                const TextPairs pairs(bytes(text), static_cast<int>(text.size()));
-                ASSERT_TRUE(pairs.mayHold(bytes(literal), length)) << text;
+                ASSERT_FALSE(isRejected(pattern, text)) << text;
             }
+            EXPECT_TRUE(isRejected(pattern, std::string(before, '.'))) << before;
         }
     }
 }
