@@ -70,7 +70,11 @@ bool EnclosedRun::readParts(const OneWay::Part* parts, bool utf8) {
 }
 
 bool EnclosedRun::read(const ZelRegExpState& state, StackGuard& stack) {
-    if (!mayBeEnclosedRun(state) || !stack.hasRoom(sizeof(OneWay))) return false;
+    return mayBeEnclosedRun(state) && stack.hasRoom(sizeof(OneWay)) && describe(state, stack);
+}
+
+/// Not inlined, so that the room is not taken before anybody asks for it.
+[[gnu::noinline]] bool EnclosedRun::describe(const ZelRegExpState& state, StackGuard& stack) {
     OneWay oneWay;
     if (!makeOneWay(state, stack, oneWay) || oneWay.alternatives != 1) return false;
     run_.nodes = oneWay.nodes;

@@ -21,6 +21,7 @@ public:
                 int capacity) const;
 
 private:
+    bool describe(const ZelRegExpState& state, StackGuard& stack);
     bool readParts(const OneWay::Part* parts, bool utf8);
 
     kernels::EnclosedRun run_;

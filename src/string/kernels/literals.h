@@ -45,7 +45,7 @@ ZEL_INLINE Zel16u* writePlaces(uint64_t bits, int base, Zel16u* out) {
 
 /// Blocks of positions looked at before the places in them are: so many that it does not count that
 /// the end of a loop cannot be guessed.
-inline constexpr int kBatchBlocks = 128;
+inline constexpr int kBatchBlocks = 64;
 
 /// Asks for the block one batch further on. The processor does so by itself only while it is not
 /// held up by wrong guesses. Behind the end of the text nothing comes of it.
@@ -53,13 +53,15 @@ ZEL_INLINE void prefetchNextBatch(const Zel8u* block) {
     __builtin_prefetch(block + kMaskBits * kBatchBlocks);
 }
 
-/// Where a match may start, `starts` says in two steps: for the 64 positions at p, of which `left`
-/// count, starts.likely(p, left) gives bits, and starts.refine(p, left, bits) those of them to look
-/// at. `lengthAt(p)` is the length of the match at p, or 0.
+/// Where a match may start, `starts` says in three steps: starts.mayHave(p) whether anywhere in the
+/// kGroupBlocks blocks at p; for the 64 positions at p, of which `left` count, starts.likely(p,
+/// left) gives bits, and starts.refine(p, left, bits) those of them to look at. `lengthAt(p)` is
+/// the length of the match at p, or 0.
 template <typename Starts, typename LengthAt>
 ZEL_INLINE int collectMatches(const Zel8u* p, ptrdiff_t positions, const Starts& starts,
                               const LengthAt& lengthAt, ZelRegExpFind* matches, int capacity) {
     constexpr ptrdiff_t kBatch = kMaskBits * kBatchBlocks;
+    constexpr ptrdiff_t kGroup = kMaskBits * kGroupBlocks;
     constexpr int kRoom = 1024;  // for places
     uint64_t bits[kBatchBlocks];
     Zel16u block[kBatchBlocks];
@@ -72,9 +74,13 @@ ZEL_INLINE int collectMatches(const Zel8u* p, ptrdiff_t positions, const Starts&
     for (; from < positions; from += size, size = kBatch) {
         const Zel8u* const batch = p + from;
         const ptrdiff_t left = positions - from < size ? positions - from : size;
+        ptrdiff_t at = 0;
+        for (; left - at >= kGroup && !starts.mayHave(batch + at); at += kGroup) {
+            for (int i = 0; i < kGroupBlocks; ++i) prefetchNextBatch(batch + at + kMaskBits * i);
+        }
         // First the blocks that have any, which cannot be guessed, then the places in these.
         int blocks = 0;
-        for (ptrdiff_t at = 0; at < left; at += kMaskBits) {
+        for (; at < left; at += kMaskBits) {
             prefetchNextBatch(batch + at);
             bits[blocks] = starts.likely(batch + at, left - at);
             block[blocks] = static_cast<Zel16u>(at);
@@ -83,17 +89,17 @@ ZEL_INLINE int collectMatches(const Zel8u* p, ptrdiff_t positions, const Starts&
         for (int i = 0; i < blocks;) {
             Zel16u* end = places;
             do {
-                const int at = block[i];
-                end = writePlaces(starts.refine(batch + at, left - at, bits[i]), at, end);
+                const int base = block[i];
+                end = writePlaces(starts.refine(batch + base, left - base, bits[i]), base, end);
             } while (++i < blocks && end <= places + kRoom - kMaskBits);
             for (const Zel16u* place = places; place < end; ++place) {
                 // Whether there is a match cannot be guessed either: a record is written anyway.
-                const Zel8u* const at = batch + *place;
-                const int length = lengthAt(at);
-                const bool isMatch = length != 0 && at >= behind;
+                const Zel8u* const start = batch + *place;
+                const int length = lengthAt(start);
+                const bool isMatch = length != 0 && start >= behind;
                 ZelRegExpFind refused;
-                *(isMatch ? &matches[count] : &refused) = {const_cast<Zel8u*>(at), length};
-                behind = isMatch ? at + length : behind;
+                *(isMatch ? &matches[count] : &refused) = {const_cast<Zel8u*>(start), length};
+                behind = isMatch ? start + length : behind;
                 count += isMatch;
                 if (count == capacity) return count;
             }
@@ -147,6 +153,8 @@ template <int kDepth>
 struct PrefixStarts {
     const PrefixFilter<kDepth> filter;
 
+    /// What several can begin with is not rare.
+    ZEL_INLINE bool mayHave(const Zel8u*) const { return true; }
     ZEL_INLINE uint64_t likely(const Zel8u* p, ptrdiff_t left) const {
         return PrefixProbe::kIsQuick && left >= kMaskBits ? filter.likelyStarts(p)
                                                           : filter.starts(p, left);
