@@ -39,6 +39,27 @@ struct LastUtf8Block {
     }
 };
 
+/// The numbers of the lanes of a vector of bytes, and of those a little further on.
+struct Utf8Lanes {
+    Zel8u number[66] = {};
+
+    constexpr Utf8Lanes() {
+        for (int i = 0; i < 66; ++i) number[i] = static_cast<Zel8u>(i);
+    }
+};
+inline constexpr Utf8Lanes kUtf8Lanes;
+
+/// The same of a whole text of n bytes, at least 1 and less than 64, which is loaded once.
+struct ShortUtf8Block {
+    __m512i bytes;
+
+    ZEL_INLINE ShortUtf8Block(const Zel8u* p, int n) : bytes(Vec<Zel8u>::loadFirst(p, n).v) {}
+    ZEL_INLINE __m512i from(int at) const {
+        if (at == 0) return bytes;
+        return _mm512_permutexvar_epi8(_mm512_loadu_si512(kUtf8Lanes.number + at), bytes);
+    }
+};
+
 class Utf8BlockConverter {
 public:
     explicit Utf8BlockConverter(To16 at) : at_(at) {}
@@ -80,7 +101,7 @@ public:
     /// less than nothing.
     ZEL_INLINE long runShort() {
         const int n = static_cast<int>(at_.remaining);
-        const LastUtf8Block block = {at_.src, n};
+        const ShortUtf8Block block(at_.src, n);
         const bool isOrdinary = convert(block, n, _mm512_movepi8_mask(block.from(0)));
         return isOrdinary ? at_.room : -1;
     }
@@ -293,9 +314,11 @@ constexpr int kShortUtf8 = 63;
 /// Converts a text of at most so many bytes, if it is ordinary and fits. Answers whether it was.
 ZEL_INLINE bool convertShort(const Zel8u* src, int srcLen, Zel16u* dst, int* dstLen) {
     if (srcLen <= 0 || srcLen > *dstLen) return false;
-    const long left = Utf8BlockConverter({src, srcLen, dst, *dstLen}).runShort();
+    // No byte makes more than one unit: there is room, which need not be looked at.
+    constexpr long kAmple = 64;
+    const long left = Utf8BlockConverter({src, srcLen, dst, kAmple}).runShort();
     if (left < 0) return false;
-    *dstLen -= static_cast<int>(left);
+    *dstLen = static_cast<int>(kAmple - left);
     return true;
 }
 
