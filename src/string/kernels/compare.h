@@ -75,7 +75,18 @@ struct TextPair {
         const Mask<T> m = differencesAt(i, fold).mask();
         return m.any() ? i + m.first() : kNotFound;
     }
-    /// The same for four vectors.
+    /// The same for two vectors of which one has such an element.
+    template <typename Fold>
+    ZEL_INLINE ptrdiff_t firstInTwo(ptrdiff_t i, ptrdiff_t j, Fold& fold) const {
+        Mask<T> differ = differencesAt(j, fold).mask();
+        const Mask<T> first = differencesAt(i, fold).mask();
+        if (first.any()) {
+            differ = first;
+            j = i;
+        }
+        return j + differ.first();
+    }
+    /// The index for four vectors, or kNotFound.
     template <typename Fold>
     ZEL_INLINE ptrdiff_t firstInFour(ptrdiff_t i, ptrdiff_t j, ptrdiff_t k, ptrdiff_t l,
                                      Fold& fold) const {
@@ -87,12 +98,7 @@ struct TextPair {
         if (!(first | second).any()) [[likely]]
             return kNotFound;
         if constexpr (Fold::kIsExact) {
-            if (first.any()) {
-                const ptrdiff_t found = firstAt(i, fold);
-                return found >= 0 ? found : j + differencesAt(j, fold).mask().first();
-            }
-            const ptrdiff_t found = firstAt(k, fold);
-            return found >= 0 ? found : l + differencesAt(l, fold).mask().first();
+            return first.any() ? firstInTwo(i, j, fold) : firstInTwo(k, l, fold);
         } else {
             const Differences<T> atI = differencesAt(i, fold);
             const Differences<T> atJ = differencesAt(j, fold);

@@ -21,6 +21,19 @@ ZEL_INLINE int nearestHit(const T* src, const T* block, H hits) {
     return static_cast<int>(block - src) + Way<from>::nearest(hits.mask());
 }
 
+/// The same of two blocks, of which the one at p comes first.
+template <From from, typename T, typename H>
+ZEL_INLINE int nearestHitInTwo(const T* src, const T* p, const T* q, H atP, H atQ) {
+    Mask<T> mask = atQ.mask();
+    const Mask<T> first = atP.mask();
+    const T* block = q;
+    if (first.any()) {
+        mask = first;
+        block = p;
+    }
+    return static_cast<int>(block - src) + Way<from>::nearest(mask);
+}
+
 /// What four blocks have, asked for at once: the first hit in the order given, or kNotFound.
 template <From from, typename T, typename Test>
 ZEL_INLINE int hitInFour(const Test& test, const T* src, const T* p, const T* q, const T* r,
@@ -31,10 +44,8 @@ ZEL_INLINE int hitInFour(const Test& test, const T* src, const T* p, const T* q,
     const auto d = test.hits(s);
     if (!((a | b) | (c | d)).any()) [[likely]]
         return kNotFound;
-    if (a.any()) return nearestHit<from>(src, p, a);
-    if (b.any()) return nearestHit<from>(src, q, b);
-    if (c.any()) return nearestHit<from>(src, r, c);
-    return nearestHit<from>(src, s, d);
+    if ((a | b).any()) return nearestHitInTwo<from>(src, p, q, a, b);
+    return nearestHitInTwo<from>(src, r, s, c, d);
 }
 
 /// For a text longer than one block.
