@@ -409,6 +409,20 @@ ZelStatus findAll(Search& search, const Zel8u* text, int numCaptures, bool whole
     return zelStatusRegExpMatchLimitError;
 }
 
+/// The first match of a pattern that is one literal, when the budget suffices for any text of the
+/// length. False when this search has to go another way.
+bool findLiteral(const Zel8u* text, int length, const ZelRegExpState& state, ZelRegExpFind* results,
+                 int* count) {
+    kernels::Literal literal;
+    if ((state.options & (kOptionGlobal | kOptionIgnoreCase)) != 0 || state.matchLimit <= length ||
+        !readLiteral(state.nodes()[0], state.format, literal))
+        return false;
+    const int place = kernels::findBytes(text, length, literal.text, literal.length);
+    *count = place < length ? 1 : 0;
+    if (place < length) results[0] = {const_cast<Zel8u*>(text + place), literal.length};
+    return true;
+}
+
 /// The checks, and the short ways to a result. Inlined, because on short texts a call counts.
 [[gnu::always_inline]] inline ZelStatus searchShortly(const WorkAreas& work, const Zel8u* pSrc,
                                                       int srcLen,
@@ -419,6 +433,8 @@ ZelStatus findAll(Search& search, const Zel8u* text, int numCaptures, bool whole
     if (anyNegative(srcLen)) return zelStatusLengthError;
     if (*pNumFind < 1) return zelStatusSizeError;
     if (pRegExpState->magic != kRegExpMagic) return zelStatusContextMatchError;
+    if (pRegExpState->nodeCount == 1 && findLiteral(pSrc, srcLen, *pRegExpState, pResult, pNumFind))
+        return zelStatusOk;
     const SearchRequest request = {work,
                                    pSrc,
                                    narrowedLength(pSrc, srcLen, *pRegExpState),

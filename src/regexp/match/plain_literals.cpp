@@ -7,20 +7,6 @@
 
 namespace zel {
 
-bool PlainLiterals::addLiteral(const Node& node, bool utf8) {
-    if (set_.count == kernels::LiteralSet::kMax) return false;
-    kernels::Literal& literal = set_.literals[set_.count++];
-    if (node.kind == NodeString) {
-        literal = {static_cast<const Zel8u*>(node.data), node.count};
-    } else if (node.kind == NodeLetter) {
-        // The number's first byte in memory is its lowest.
-        literal = {reinterpret_cast<const Zel8u*>(&node.value), 1};
-    } else {
-        return false;
-    }
-    return !utf8 || (*literal.text & 0xC0) != 0x80;
-}
-
 bool PlainLiterals::makePrefixes() {
     using kernels::PrefixTables;
     PrefixTables& prefix = set_.prefix;
@@ -55,7 +41,8 @@ bool PlainLiterals::read(const ZelRegExpState& state) {
     if (state.nodeCount % 2 == 0) return false;
     for (int i = 0; i < state.nodeCount; i += 2) {
         if (i > 0 && nodes[i - 1].kind != NodeAlternative) return false;
-        if (!addLiteral(nodes[i], state.format == kFormatUtf8)) return false;
+        if (set_.count == kernels::LiteralSet::kMax) return false;
+        if (!readLiteral(nodes[i], state.format, set_.literals[set_.count++])) return false;
     }
     return set_.count == 1 || makePrefixes();
 }

@@ -9,6 +9,20 @@
 
 namespace zel {
 
+/// A literal of the program; false when the node is none, or when its places need not be places
+/// where a character begins.
+inline bool readLiteral(const Node& node, int format, kernels::Literal& literal) {
+    if (node.kind == NodeString) {
+        literal = {static_cast<const Zel8u*>(node.data), node.count};
+    } else if (node.kind == NodeLetter) {
+        // The number's first byte in memory is its lowest.
+        literal = {reinterpret_cast<const Zel8u*>(&node.value), 1};
+    } else {
+        return false;
+    }
+    return format != kFormatUtf8 || (*literal.text & 0xC0) != 0x80;
+}
+
 class PlainLiterals {
 public:
     /// Reads the pattern; false when it is of another kind, or when its places need not be places
@@ -28,7 +42,6 @@ public:
     }
 
 private:
-    bool addLiteral(const Node& node, bool utf8);
     bool makePrefixes();
 
     kernels::LiteralSet set_;
