@@ -37,11 +37,15 @@ struct RequiredText {
     Zel8u runs;
     Zel8u steps;
     Zel8u slots[kSlots][2];
+    // A literal that they are from, in the text of the literals; of no length where there is none
+    // that a text can be searched for as it is.
+    Zel8u literal;
+    Zel8u literalLength;
 
     /// Where the next note is.
     const Zel8u* end() const { return &zero + sizeof *this; }
 };
-static_assert(sizeof(RequiredText) == 12);
+static_assert(sizeof(RequiredText) == 14);
 
 /// What the pattern requires; null when that is not known.
 inline const RequiredText* findRequiredText(const ZelRegExpState& state) {

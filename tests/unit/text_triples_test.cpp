@@ -19,8 +19,10 @@ const Zel8u* bytes(const std::string& text) {
     return reinterpret_cast<const Zel8u*>(text.data());
 }
 
+constexpr int kMany = TextTriples::kFewestPatterns;
+
 bool isRejected(Pattern& pattern, const std::string& text) {
-    const TextTriples triples(bytes(text), static_cast<int>(text.size()));
+    const TextTriples triples(bytes(text), static_cast<int>(text.size()), kMany);
     return triples.surelyExclude(*pattern.state());
 }
 
@@ -31,17 +33,17 @@ struct SetResult {
 };
 
 SetResult searchAsSet(Pattern& pattern, const std::string& text) {
-    std::vector<Zel8u> block(64);
+    std::vector<Zel8u> block(24 + 12 * kMany);
     auto* set = reinterpret_cast<ZelRegExpMultiState*>(block.data());
-    EXPECT_EQ(zelsRegExpMultiInit(set, 1), zelStatusOk);
+    EXPECT_EQ(zelsRegExpMultiInit(set, kMany), zelStatusOk);
     EXPECT_EQ(zelsRegExpMultiAdd(pattern.state(), 1, set), zelStatusOk);
     ZelRegExpFind records[8];
-    ZelRegExpMultiFind found = {};
-    found.numFind = 8;
-    found.pFind = records;
-    EXPECT_EQ(zelsRegExpMultiFind_8u(bytes(text), static_cast<int>(text.size()), &found, set),
+    ZelRegExpMultiFind found[kMany] = {};
+    found[0].numFind = 8;
+    found[0].pFind = records;
+    EXPECT_EQ(zelsRegExpMultiFind_8u(bytes(text), static_cast<int>(text.size()), found, set),
               zelStatusOk);
-    return {found.status, found.numFind};
+    return {found[0].status, found[0].numFind};
 }
 
 SetResult searchAlone(Pattern& pattern, const std::string& text) {
@@ -195,7 +197,7 @@ TEST(TextTriples, ACopyOfAPatternIsRejectedAsWell) {
     std::vector<uint64_t> copy(static_cast<size_t>(size) / 8 + 1);
     memcpy(copy.data(), pattern.state(), static_cast<size_t>(size));
     const auto* state = reinterpret_cast<const ZelRegExpState*>(copy.data());
-    const TextTriples triples(bytes("hay"), 3);
+    const TextTriples triples(bytes("hay"), 3, kMany);
     EXPECT_TRUE(triples.surelyExclude(*state));
 }
 
@@ -204,6 +206,12 @@ TEST(TextTriples, NothingIsKnownOfALongText) {
     const std::string text(TextTriples::kLongestText, 'x');
     EXPECT_TRUE(isRejected(pattern, text));
     EXPECT_FALSE(isRejected(pattern, text + "x"));
+}
+
+TEST(TextTriples, NothingIsKnownForFewPatterns) {
+    Pattern pattern("needle", "", 0);
+    const TextTriples triples(bytes("hay"), 3, kMany - 1);
+    EXPECT_FALSE(triples.surelyExclude(*pattern.state()));
 }
 
 TEST(TextTriples, ALiteralIsFoundWhereverItStands) {

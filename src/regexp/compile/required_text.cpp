@@ -21,7 +21,8 @@ public:
           count_(state.nodeCount),
           trailing_(state.trailingLiteral),
           preferTrailing_(trailing_ >= 0 && nodes_[trailing_].kind == NodeString &&
-                          nodes_[trailing_].count >= kTripleLength) {}
+                          nodes_[trailing_].count >= kTripleLength),
+          mayIgnoreCase_((state.options & kOptionIgnoreCase) != 0) {}
 
     /// False when nothing is known.
     bool find(RequiredText& required) {
@@ -37,6 +38,8 @@ public:
         required.mark = RequiredText::kMark;
         required.runs = static_cast<Zel8u>(billedRuns_);
         required.steps = static_cast<Zel8u>(billedSteps_);
+        required.literal = required.literalLength = 0;
+        if (literal_ != nullptr) noteLiteral(*literal_, required);
         for (int k = 0; k < RequiredText::kSlots; ++k) {  // spread over all there are
             const Zel32u bytes = triples_[k * (tripleCount_ - 1) / (RequiredText::kSlots - 1)];
             const Zel16u slot = tripleSlot(bytes >> 16 & 0xFF, bytes >> 8 & 0xFF, bytes & 0xFF);
@@ -48,7 +51,7 @@ public:
 private:
     static constexpr int kMostTriples = 8;
     static constexpr int kEnoughTriples = 2;  // to look no further than to the next quantifier
-    static constexpr int kMostChoices = 16;  // of a run with an end, else it counts as one without
+    static constexpr int kMostChoices = 16;   // of a run with an end, else it counts as one without
     static constexpr int kMostSteps = 255;
     // A further literal makes a miss likelier, but also dearer.
     static constexpr int kCheapRuns = 1;
@@ -63,8 +66,10 @@ private:
                 noteText();
                 if (i == trailing_ && !isCheap()) {
                     takeTrailing();
-                } else {
-                    takeText(static_cast<const Zel8u*>(node.data), node.count);
+                } else if (takeText(static_cast<const Zel8u*>(node.data), node.count) &&
+                           i != trailing_ &&
+                           (literal_ == nullptr || literal_->count < node.count)) {
+                    literal_ = &node;
                 }
                 return i + 1;
             case NodeLetter:
@@ -72,13 +77,17 @@ private:
             case NodeAnyByte:
             case NodeCharacterClass:
                 return walkAtom(i);
-            case NodePosition:
             case NodeOptions:
+                mayIgnoreCase_ = true;
+                return i + 1;
+            case NodePosition:
             case NodeGroupingClose:
                 return i + 1;
+            case NodeGroupingOptions:
+                mayIgnoreCase_ = true;
+                return isPassedOnce(i) ? i + 1 : i;
             case NodeGroupingCapture:
             case NodeGroupingNoCapture:
-            case NodeGroupingOptions:
                 return isPassedOnce(i) ? i + 1 : i;
             default:
                 return i;
@@ -128,14 +137,28 @@ private:
     }
 
     /// Text that stands in each match, behind what was taken before unless that row has ended.
-    void takeText(const Zel8u* text, int length) {
+    /// Whether it made triples.
+    bool takeText(const Zel8u* text, int length) {
         const bool isWelcome = isCheap() || (tripleCount_ == 0 && !preferTrailing_);
-        if (!isWelcome || !affords()) return endRow();
+        if (!isWelcome || !affords()) {
+            endRow();
+            return false;
+        }
         const int before = tripleCount_;
         takeTriples(text, length);
-        if (tripleCount_ == before) return;
+        if (tripleCount_ == before) return false;
         billedRuns_ = runs_;
         billedSteps_ = steps();
+        return true;
+    }
+
+    /// The trailing literal need not be noted, since a search looks for it anyway.
+    void noteLiteral(const Node& node, RequiredText& required) const {
+        const auto* text = static_cast<const Zel8u*>(node.data);
+        const ptrdiff_t offset = text - reinterpret_cast<const Zel8u*>(nodes_ + count_);
+        if (mayIgnoreCase_ || offset > 0xFF || node.count > 0xFF) return;
+        required.literal = static_cast<Zel8u>(offset);
+        required.literalLength = static_cast<Zel8u>(node.count);
     }
 
     void takeTrailing() {
@@ -163,6 +186,7 @@ private:
     const int count_;
     const int trailing_;
     const bool preferTrailing_;
+    bool mayIgnoreCase_;
 
     int runs_ = 1;  // factors of the text's length: the start positions, and each run
     int choices_ = 1;
@@ -170,8 +194,9 @@ private:
     int stepsToText_ = 0;  // nodes up to the first that takes text; 0 in front of it
     int billedRuns_ = 0;
     int billedSteps_ = 0;
-    int inRow_ = 0;   // bytes that follow each other
-    Zel32u row_ = 0;  // the last of them
+    int inRow_ = 0;                  // bytes that follow each other
+    Zel32u row_ = 0;                 // the last of them
+    const Node* literal_ = nullptr;  // the longest, but for the trailing one
     int tripleCount_ = 0;
     Zel32u triples_[kMostTriples];  // the last byte is the lowest
 };

@@ -27,6 +27,9 @@ namespace zel {
 
 namespace {
 
+/// In a text up to this length the set-up of a search counts.
+constexpr int kShortText = 512;
+
 /// Where a search may begin.
 enum class Anchor { kNone, kStart, kLineStart };
 
@@ -423,6 +426,23 @@ bool findLiteral(const Zel8u* text, int length, const ZelRegExpState& state, Zel
     return true;
 }
 
+/// Whether a search of a short text must end without a match and within the budget, as can be seen
+/// from a literal that every match holds and the text does not.
+bool surelyFindsNothing(const SearchRequest& request) {
+    const ZelRegExpState& state = request.state;
+    const RequiredText* const required =
+        request.length <= kShortText ? findRequiredText(state) : nullptr;
+    if (required == nullptr) return false;
+    int64_t steps = required->steps;
+    for (int i = 0; i < required->runs; ++i) steps *= request.length + 1;
+    if (steps > state.matchLimit) return false;
+    if (request.length < kTripleLength) return true;
+    const auto* literals = reinterpret_cast<const Zel8u*>(state.nodes() + state.nodeCount);
+    return required->literalLength != 0 &&
+           kernels::findBytes(request.text, request.length, literals + required->literal,
+                              required->literalLength) == request.length;
+}
+
 /// The checks, and the short ways to a result. Inlined, because on short texts a call counts.
 [[gnu::always_inline]] inline ZelStatus searchShortly(const WorkAreas& work, const Zel8u* pSrc,
                                                       int srcLen,
@@ -445,6 +465,10 @@ bool findLiteral(const Zel8u* text, int length, const ZelRegExpState& state, Zel
     const LightProgram* const program = findLightProgram(*pRegExpState);
     if (program != nullptr && walkLightly(*program, request) != LightOutcome::kNotKnown)
         return zelStatusOk;
+    if (surelyFindsNothing(request)) {
+        *pNumFind = 0;
+        return zelStatusOk;
+    }
     return searchThrough(request);
 }
 

@@ -23,12 +23,12 @@ __m128i slotsOf(__m128i firsts, __m128i thirds) {
 
 }  // namespace
 
-TextTriples::TextTriples(const Zel8u* text, int length) {
+TextTriples::TextTriples(const Zel8u* text, int length, int patterns) {
     powers_[0] = 1;
     for (int i = 1; i <= RequiredText::kMostRuns; ++i) powers_[i] = powers_[i - 1] * (length + 1);
-    const bool isShort = length <= kLongestText;
-    memset(present_, isShort ? 0 : 1, sizeof present_);
-    if (!isShort) return;
+    const bool isWorthIt = length <= kLongestText && patterns >= kFewestPatterns;
+    memset(present_, isWorthIt ? 0 : 1, sizeof present_);
+    if (!isWorthIt) return;
 
     constexpr int kAtATime = 16;
     constexpr int kRead = kAtATime + kTripleLength;

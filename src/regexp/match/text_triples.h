@@ -9,10 +9,12 @@ namespace zel {
 /// Which triples of neighbouring bytes a text holds.
 class TextTriples {
 public:
-    /// Longer texts hold too many to reject much. They are not looked at.
+    /// Longer texts hold too many to reject much, and a few patterns are searched for as quickly.
+    /// Then nothing is excluded.
     static constexpr int kLongestText = 1024;
+    static constexpr int kFewestPatterns = 6;
 
-    TextTriples(const Zel8u* text, int length);
+    TextTriples(const Zel8u* text, int length, int patterns);
 
     /// Whether a search of the text must end without a match and within the budget, as can be seen
     /// from what every match holds and the text does not.

@@ -211,7 +211,7 @@ ZelStatus zelsRegExpMultiFind_8u(const Zel8u* pSrc, int srcLen, ZelRegExpMultiFi
                                  const ZelRegExpMultiState* pState) {
     if (anyNull(pSrc, pState, pResult)) return zelStatusNullPointer;
     if (srcLen < 1) return zelStatusSizeError;
-    const TextTriples triples(pSrc, srcLen);
+    const TextTriples triples(pSrc, srcLen, pState->capacity);
     searchAll({pSrc, srcLen, pResult, pState, triples});
     return zelStatusOk;
 }
