@@ -11,11 +11,25 @@ namespace {
 
 // The two families that go on over zero elements store 0 before they start.
 template <auto formula, typename T>
-ZelStatus hash(const T* src, int len, Zel32u* hashVal) {
+ZEL_INLINE ZelStatus hash(const T* src, int len, Zel32u* hashVal) {
     if (anyNull(src, hashVal)) return zelStatusNullPointer;
     if (anyNegative(len)) return zelStatusLengthError;
     *hashVal = 0;
     *hashVal = formula(src, len);
+    return zelStatusOk;
+}
+
+template <typename T>
+[[gnu::noinline]] ZelStatus hashSJ2Otherwise(const T* src, int len, Zel32u* hashVal) {
+    return hash<hashSJ2<T>>(src, len, hashVal);
+}
+
+template <typename T>
+ZEL_INLINE ZelStatus hashSJ2OfAny(const T* src, int len, Zel32u* hashVal) {
+    if (!isShortCall(Words::kLanes, len, src, hashVal)) [[unlikely]]
+        return hashSJ2Otherwise(src, len, hashVal);
+    *hashVal = 0;
+    *hashVal = hashSJ2Short(src, len);
     return zelStatusOk;
 }
 
@@ -38,11 +52,11 @@ ZelStatus zelsHash_16u32u(const Zel16u* pSrc, int len, Zel32u* pHashVal) {
 }
 
 ZelStatus zelsHashSJ2_8u32u(const Zel8u* pSrc, int len, Zel32u* pHashVal) {
-    return hash<hashSJ2<Zel8u>>(pSrc, len, pHashVal);
+    return hashSJ2OfAny(pSrc, len, pHashVal);
 }
 
 ZelStatus zelsHashSJ2_16u32u(const Zel16u* pSrc, int len, Zel32u* pHashVal) {
-    return hash<hashSJ2<Zel16u>>(pSrc, len, pHashVal);
+    return hashSJ2OfAny(pSrc, len, pHashVal);
 }
 
 ZelStatus zelsHashMSCS_8u32u(const Zel8u* pSrc, int len, Zel32u* pHashVal) {

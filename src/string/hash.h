@@ -5,7 +5,8 @@
 //
 // SJ2: a polynomial in 31, summed with a whole vector of elements at a time. The elements that do
 // not fill a vector come first, with zeros in front of them, which add nothing. Four vectors a
-// round, so that their multiplications overlap.
+// round, so that their multiplications overlap. A text of a few elements is multiplied with their
+// weights at once.
 //
 // MSCS: the exclusive-or changes the low 8 bits of h alone. So these can be followed by themselves,
 // as bytes, and once they are known, exclusive-or is addition of a known difference and the rest a
@@ -35,9 +36,28 @@ Zel32u hashShift(const T* src, int len) {
     return h.exclusiveOr();
 }
 
+/// What the elements of a text weigh that has at most a word for each: the last one stands in front
+/// of the middle. Those behind it are multiplied with zeros.
+template <Zel32u base>
+struct ElementWeights {
+    Zel32u of[2 * Words::kLanes] = {};
+    constexpr ElementWeights() {
+        for (int i = 0; i < Words::kLanes; ++i) of[i] = power(base, Words::kLanes - 1 - i);
+    }
+};
+template <Zel32u base>
+inline constexpr ElementWeights<base> kElementWeights;
+
+/// hashSJ2 of at most Words::kLanes elements.
+template <typename T>
+ZEL_INLINE Zel32u hashSJ2Short(const T* src, int len) {
+    const Words weights = Words::load(kElementWeights<31>.of + Words::kLanes - len);
+    return (widenFirst(src, len) * weights).sum();
+}
+
 /// h = h * 31 + c from 0.
 template <typename T>
-Zel32u hashSJ2(const T* src, int len) {
+ZEL_INLINE Zel32u hashSJ2(const T* src, int len) {
     constexpr Zel32u kBase = 31;
     constexpr int n = Vec<T>::kLanes;
     const auto next = [](const T* p) { return polynomials<kBase>(Vec<T>::load(p)); };
