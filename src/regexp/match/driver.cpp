@@ -395,7 +395,7 @@ ZelStatus findAll(Search& search, const Zel8u* text, int numCaptures, bool whole
     return search.outOfBudget() ? zelStatusRegExpMatchLimitError : zelStatusOk;
 }
 
-/// The whole search, by the engine. Not inlined, because its frame is large.
+/// The whole search, by the engine, of a narrowed text. Not inlined, because its frame is large.
 [[gnu::noinline]] ZelStatus searchThrough(const SearchRequest& request) {
     const int capacity = *request.count;
     const ZelRegExpState& state = request.state;
@@ -414,15 +414,17 @@ ZelStatus findAll(Search& search, const Zel8u* text, int numCaptures, bool whole
 
 /// The first match of a pattern that is one literal, when the budget suffices for any text of the
 /// length. False when this search has to go another way.
-bool findLiteral(const Zel8u* text, int length, const ZelRegExpState& state, ZelRegExpFind* results,
-                 int* count) {
+bool findLiteral(const SearchRequest& request) {
+    const ZelRegExpState& state = request.state;
+    const int length = request.length;
     kernels::Literal literal;
-    if ((state.options & (kOptionGlobal | kOptionIgnoreCase)) != 0 || state.matchLimit <= length ||
-        !readLiteral(state.nodes()[0], state.format, literal))
+    if (state.nodeCount != 1 || (state.options & (kOptionGlobal | kOptionIgnoreCase)) != 0 ||
+        state.matchLimit <= length || !readLiteral(state.nodes()[0], state.format, literal))
         return false;
-    const int place = kernels::findBytes(text, length, literal.text, literal.length);
-    *count = place < length ? 1 : 0;
-    if (place < length) results[0] = {const_cast<Zel8u*>(text + place), literal.length};
+    const int place = kernels::findBytes(request.text, length, literal.text, literal.length);
+    *request.count = place < length ? 1 : 0;
+    if (place < length)
+        request.results[0] = {const_cast<Zel8u*>(request.text + place), literal.length};
     return true;
 }
 
@@ -443,7 +445,18 @@ bool surelyFindsNothing(const SearchRequest& request) {
                               required->literalLength) == request.length;
 }
 
-/// The checks, and the short ways to a result. Inlined, because on short texts a call counts.
+/// All ways but the light walk. Not inlined, so that this one has little to save.
+[[gnu::noinline]] ZelStatus searchOrdinarily(SearchRequest& request) {
+    if (findLiteral(request)) return zelStatusOk;
+    request.length = narrowedLength(request.text, request.length, request.state);
+    if (surelyFindsNothing(request)) {
+        *request.count = 0;
+        return zelStatusOk;
+    }
+    return searchThrough(request);
+}
+
+/// The checks, and the light walk. Inlined, because on short texts a call counts.
 [[gnu::always_inline]] inline ZelStatus searchShortly(const WorkAreas& work, const Zel8u* pSrc,
                                                       int srcLen,
                                                       const ZelRegExpState* pRegExpState,
@@ -453,23 +466,13 @@ bool surelyFindsNothing(const SearchRequest& request) {
     if (anyNegative(srcLen)) return zelStatusLengthError;
     if (*pNumFind < 1) return zelStatusSizeError;
     if (pRegExpState->magic != kRegExpMagic) return zelStatusContextMatchError;
-    if (pRegExpState->nodeCount == 1 && findLiteral(pSrc, srcLen, *pRegExpState, pResult, pNumFind))
-        return zelStatusOk;
-    const SearchRequest request = {work,
-                                   pSrc,
-                                   narrowedLength(pSrc, srcLen, *pRegExpState),
-                                   *pRegExpState,
-                                   pResult,
-                                   pNumFind,
-                                   wholeMatchToo != 0};
-    const LightProgram* const program = findLightProgram(*pRegExpState);
-    if (program != nullptr && walkLightly(*program, request) != LightOutcome::kNotKnown)
-        return zelStatusOk;
-    if (surelyFindsNothing(request)) {
-        *pNumFind = 0;
-        return zelStatusOk;
+    SearchRequest request = {
+        work, pSrc, srcLen, *pRegExpState, pResult, pNumFind, wholeMatchToo != 0};
+    if (const LightProgram* const program = findLightProgram(*pRegExpState)) {
+        request.length = narrowedLength(pSrc, srcLen, *pRegExpState);
+        if (walkLightly(*program, request) != LightOutcome::kNotKnown) return zelStatusOk;
     }
-    return searchThrough(request);
+    return searchOrdinarily(request);
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ struct WorkAreas {
     CaptureRecord* captures;
 };
 
-/// A search that is allowed, of a text that has been narrowed to what a match can need of it.
+/// A search that is allowed, of a text or of what a match can need of it.
 struct SearchRequest {
     WorkAreas work;
     const Zel8u* text;

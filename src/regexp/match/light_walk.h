@@ -21,8 +21,11 @@ enum class LightOutcome { kMatched, kFailed, kNotKnown };
 inline const LightProgram* findLightProgram(const ZelRegExpState& state) {
     if (!mayHaveLightProgram(state)) return nullptr;
     const auto* text = reinterpret_cast<const Zel8u*>(state.nodes() + state.nodeCount);
-    const Zel8u* note = *text == 0 ? text : findNotes(state);
-    if (note[1] == RequiredText::kMark) note += sizeof(RequiredText);
+    const Zel8u* note = text;
+    if (*text != 0) {  // only such a pattern requires some
+        note = findNotes(state);
+        if (note[1] == RequiredText::kMark) note += sizeof(RequiredText);
+    }
     return note[1] == LightProgram::kMark ? reinterpret_cast<const LightProgram*>(note) : nullptr;
 }
 
