@@ -214,11 +214,7 @@ private:
         const int count = lowerCount + __builtin_popcountll(upperUsed);
         if (count > at_.room) return false;
         // What is too much of the lower half is written over.
-        const Vec<Zel8u> first = {_mm512_maskz_compress_epi8(lowerUsed, lower.bytes)};
-        if (count >= 64)
-            first.store(at_.dst);
-        else
-            first.storeFirst(at_.dst, count);
+        Vec<Zel8u>{_mm512_maskz_compress_epi8(lowerUsed, lower.bytes)}.storeFirst(at_.dst, count);
         if (n > 16) {
             Vec<Zel8u>{_mm512_maskz_compress_epi8(upperUsed, upper.bytes)}.storeFirst(
                 at_.dst + lowerCount, count - lowerCount);
