@@ -311,6 +311,44 @@ TEST(RunKernels, CollectRuns) {
     });
 }
 
+// Beyond the near caches a literal is looked for in another way up to its first place.
+TEST(LiteralKernels, CollectLiterals_OfTextBeyondTheNearCaches) {
+    std::mt19937 random(17);
+    std::vector<Zel8u> text(600'000);
+    const std::string literal = "needle";
+    for (int round = 0; round < 8; ++round) {
+        // A good many places where its rarest bytes stand, and some, or no, where all of it does.
+        for (Zel8u& c : text) c = static_cast<Zel8u>("ndelxy "[random() % 7]);
+        std::vector<int> expected;
+        for (size_t at = random() % 5000; round % 2 != 0 && at + 6 < text.size();
+             at += 6 + random() % 5000) {
+            std::copy(literal.begin(), literal.end(), text.begin() + static_cast<long>(at));
+            text[at] ^= static_cast<Zel8u>(round % 4 == 3 ? 0x20 : 0);
+            expected.push_back(static_cast<int>(at));
+        }
+        zel::kernels::LiteralSet set;
+        set.count = 1;
+        set.ignoreCase = round % 4 == 3;
+        set.literals[0] = {reinterpret_cast<const Zel8u*>(literal.data()), 6};
+        const auto length = static_cast<int>(text.size());
+        for (int i = 0; i + 6 <= length; ++i) {
+            if (!std::equal(literal.begin(), literal.end(), text.begin() + i)) continue;
+            if (!std::binary_search(expected.begin(), expected.end(), i))
+                text[static_cast<size_t>(i)] = 'q';
+        }
+        std::vector<ZelRegExpFind> found(expected.size() + 1);
+        FOR_EACH_INSTANCE({
+            ASSERT_EQ((collectLiterals)(text.data(), length, &set, found.data(),
+                                        static_cast<int>(found.size())),
+                      static_cast<int>(expected.size()));
+            for (size_t i = 0; i < expected.size(); ++i) {
+                ASSERT_EQ(found[i].pMatch - text.data(), expected[i]);
+                ASSERT_EQ(found[i].lenMatch, 6);
+            }
+        });
+    }
+}
+
 // Literals of the texts' letters, so that they overlap and begin alike, and a long one now and
 // then.
 std::vector<std::string> someLiterals(std::mt19937& random) {

@@ -28,6 +28,22 @@ ZEL_INLINE uint64_t memberBits(const Class& members, const Zel8u* p, ptrdiff_t n
     return bits;
 }
 
+/// The same of two classes, loading the bytes once.
+template <typename Class>
+ZEL_INLINE void memberBitsOfBoth(const Class& a, const Class& b, const Zel8u* p, ptrdiff_t n,
+                                 uint64_t (&bits)[2]) {
+    bits[0] = bits[1] = 0;
+    for (int at = 0; at < kMaskBits && at < n; at += Class::kLanes) {
+        const ptrdiff_t left = n - at;
+        const int count = left < Class::kLanes ? static_cast<int>(left) : Class::kLanes;
+        const auto text =
+            left < Class::kLanes ? Vec<Zel8u>::loadFirst(p + at, count) : Vec<Zel8u>::load(p + at);
+        const auto lanes = Mask<Zel8u>::firstN(count);
+        bits[0] |= inGeneralRegister((a.maskOf(text) & lanes).bits) << at;
+        bits[1] |= inGeneralRegister((b.maskOf(text) & lanes).bits) << at;
+    }
+}
+
 /// The ones of a word weighed: at least the sum of n * (n + 1) / 2 over its runs of n ones, and
 /// less than twice as much. A run leaves n - k ones when it is eroded k times, and the sum is that
 /// of the ones left after each erosion; here these are counted before every doubling of k only.

@@ -78,7 +78,8 @@ ZEL_INLINE int collectEnclosed(const Zel8u* p, int len, const kernels::EnclosedR
     EnclosedAttempt attempt(run, p, p + len, budget);
     const auto lengthAt = [&](const Zel8u* at) { return attempt.lengthAt(at); };
     const ptrdiff_t positions = ptrdiff_t{len} - run.openLength + 1;
-    const int count = collectMatches(p, positions, probes, lengthAt, matches, capacity);
+    const int count =
+        collectMatches(p, positions, ProbedStarts(probes), lengthAt, matches, capacity);
     return attempt.isOutOfBudget() ? -1 : count;
 }
 

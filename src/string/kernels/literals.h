@@ -47,21 +47,22 @@ ZEL_INLINE Zel16u* writePlaces(uint64_t bits, int base, Zel16u* out) {
 /// the end of a loop cannot be guessed.
 inline constexpr int kBatchBlocks = 64;
 
-/// Asks for the block one batch further on. The processor does so by itself only while it is not
-/// held up by wrong guesses. Behind the end of the text nothing comes of it.
-ZEL_INLINE void prefetchNextBatch(const Zel8u* block) {
-    __builtin_prefetch(block + kMaskBits * kBatchBlocks);
+/// Asks for text this far ahead of where it is looked at. The processor does so by itself only
+/// while it is not held up by wrong guesses. Behind the end of the text nothing comes of it.
+ZEL_INLINE void prefetchText(const Zel8u* block) {
+    constexpr int kAhead = 1024;
+    __builtin_prefetch(block + kAhead);
 }
 
-/// Where a match may start, `starts` says in three steps: starts.mayHave(p) whether anywhere in the
-/// kGroupBlocks blocks at p; for the 64 positions at p, of which `left` count, starts.likely(p,
-/// left) gives bits, and starts.refine(p, left, bits) those of them to look at. `lengthAt(p)` is
-/// the length of the match at p, or 0.
+/// Where a match may start, `starts` says: after starts.begin(p, left), of the blocks from p on, of
+/// which `left` positions count, starts.likely(p, n) gives bits for the first n of the 64 positions
+/// at p, one block after the other, and starts.refine(p, left, bits) those of them to look at. What
+/// it reads first of a position is starts.ahead behind it. `lengthAt(p)` is the length of the match
+/// at p, or 0.
 template <typename Starts, typename LengthAt>
-ZEL_INLINE int collectMatches(const Zel8u* p, ptrdiff_t positions, const Starts& starts,
+ZEL_INLINE int collectMatches(const Zel8u* p, ptrdiff_t positions, Starts starts,
                               const LengthAt& lengthAt, ZelRegExpFind* matches, int capacity) {
     constexpr ptrdiff_t kBatch = kMaskBits * kBatchBlocks;
-    constexpr ptrdiff_t kGroup = kMaskBits * kGroupBlocks;
     constexpr int kRoom = 1024;  // for places
     uint64_t bits[kBatchBlocks];
     Zel16u block[kBatchBlocks];
@@ -69,23 +70,23 @@ ZEL_INLINE int collectMatches(const Zel8u* p, ptrdiff_t positions, const Starts&
     int count = 0;
     const Zel8u* behind = p;  // the last match
     ptrdiff_t from = 0;
-    // The first batch ends at a cache line, so that all others begin with one.
-    ptrdiff_t size = kBatch - kMaskBits + toBoundary(p);
+    // The first batch ends with a cache line that is read, so that all others begin with one.
+    ptrdiff_t size = kBatch - kMaskBits + toBoundary(p + starts.ahead);
     for (; from < positions; from += size, size = kBatch) {
         const Zel8u* const batch = p + from;
         const ptrdiff_t left = positions - from < size ? positions - from : size;
-        ptrdiff_t at = 0;
-        for (; left - at >= kGroup && !starts.mayHave(batch + at); at += kGroup) {
-            for (int i = 0; i < kGroupBlocks; ++i) prefetchNextBatch(batch + at + kMaskBits * i);
-        }
         // First the blocks that have any, which cannot be guessed, then the places in these.
         int blocks = 0;
-        for (; at < left; at += kMaskBits) {
-            prefetchNextBatch(batch + at);
-            bits[blocks] = starts.likely(batch + at, left - at);
+        const auto look = [&](ptrdiff_t at, int n) {
+            prefetchText(batch + starts.ahead + at);
+            bits[blocks] = starts.likely(batch + at, n);
             block[blocks] = static_cast<Zel16u>(at);
             blocks += bits[blocks] != 0;
-        }
+        };
+        starts.begin(batch, left);
+        ptrdiff_t at = 0;
+        for (; left - at >= kMaskBits; at += kMaskBits) look(at, kMaskBits);
+        if (at < left) look(at, static_cast<int>(left - at));
         for (int i = 0; i < blocks;) {
             Zel16u* end = places;
             do {
@@ -108,27 +109,85 @@ ZEL_INLINE int collectMatches(const Zel8u* p, ptrdiff_t positions, const Starts&
     return count;
 }
 
-template <typename MakeProbe, typename IsSame>
-ZEL_INLINE int collectWithProbes(const Zel8u* p, int len, const Zel8u* literal, int length,
-                                 const MakeProbe& probeOf, const IsSame& isSameAs,
-                                 ZelRegExpFind* matches, int capacity) {
-    const Probes<decltype(probeOf(*literal))> probes(literal, RarePlaces(literal, length), probeOf);
-    const auto lengthAt = [&](const Zel8u* at) {
-        return isSameAs(at, literal, length) ? length : 0;
-    };
-    return collectMatches(p, ptrdiff_t{len} - length + 1, probes, lengthAt, matches, capacity);
-}
+/// Positions where the probes are right. Of the two rarest bytes, the bits of where the one that
+/// stands before the other is are moved on to where it should be: so each byte of the text is
+/// loaded once, by whole cache lines.
+template <typename Probe>
+struct ProbedStarts {
+    const Probe& earlier;
+    const Probe& later;
+    const Probe& third;
+    const ptrdiff_t thirdAt;
+    const ptrdiff_t ahead;  // of the later one
+    const int distance;     // between the two
+    uint64_t before = 0;    // where the earlier one is right, in the block before
 
+    ZEL_INLINE explicit ProbedStarts(const Probes<Probe>& probes)
+        : ProbedStarts(probes, probes.firstAt < probes.secondAt) {}
+
+    // When there is no distance, both probes are the same: then nothing comes of what is moved.
+    ZEL_INLINE void begin(const Zel8u* p, ptrdiff_t n) {
+        before = memberBits(earlier, p + ahead - distance, n) << (-distance & (kMaskBits - 1));
+    }
+    ZEL_INLINE uint64_t likely(const Zel8u* p, int n) {
+        uint64_t found[2];
+        memberBitsOfBoth(earlier, later, p + ahead, n, found);
+        const uint64_t moved = found[0] << distance | before >> (-distance & (kMaskBits - 1));
+        before = found[0];
+        return moved & found[1];
+    }
+    ZEL_INLINE uint64_t refine(const Zel8u* p, ptrdiff_t left, uint64_t bits) const {
+        return bits & memberBits(third, p + thirdAt, left);
+    }
+
+private:
+    ZEL_INLINE ProbedStarts(const Probes<Probe>& probes, bool isFirstEarlier)
+        : earlier(isFirstEarlier ? probes.first : probes.second),
+          later(isFirstEarlier ? probes.second : probes.first),
+          third(probes.third),
+          thirdAt(probes.thirdAt),
+          ahead(isFirstEarlier ? probes.secondAt : probes.firstAt),
+          distance(static_cast<int>(ahead - (isFirstEarlier ? probes.firstAt : probes.secondAt))) {}
+};
+
+/// How to find a literal: what stands for one of its bytes, the first place, and the comparison.
+struct AsWritten {
+    ZEL_INLINE static auto probeOf(Zel8u c) { return EqualsAnyOf<Zel8u, 1>::of(&c); }
+    ZEL_INLINE static int find(const Zel8u* p, int len, const kernels::Literal& literal) {
+        return findString(p, len, literal.text, literal.length);
+    }
+    ZEL_INLINE static bool isSameAs(const Zel8u* p, const kernels::Literal& literal) {
+        return isSame(p, literal.text, literal.length);
+    }
+};
+struct InAnyCase {
+    ZEL_INLINE static FoldedByte probeOf(Zel8u c) { return FoldedByte(c); }
+    ZEL_INLINE static int find(const Zel8u* p, int len, const kernels::Literal& literal) {
+        return findStringIgnoreCase(p, len, literal.text, literal.length);
+    }
+    ZEL_INLINE static bool isSameAs(const Zel8u* p, const kernels::Literal& literal) {
+        return isSameFolded(p, literal.text, literal.length);
+    }
+};
+
+template <typename Reading>
 ZEL_INLINE int collectOneLiteral(const Zel8u* p, int len, const kernels::Literal& literal,
-                                 bool ignoreCase, ZelRegExpFind* matches, int capacity) {
-    if (ignoreCase)
-        return collectWithProbes(
-            p, len, literal.text, literal.length, [](Zel8u c) { return FoldedByte(c); },
-            [](const Zel8u* a, const Zel8u* b, int n) { return isSameFolded(a, b, n); }, matches,
-            capacity);
-    return collectWithProbes(
-        p, len, literal.text, literal.length, [](Zel8u c) { return EqualsAnyOf<Zel8u, 1>::of(&c); },
-        [](const Zel8u* a, const Zel8u* b, int n) { return isSame(a, b, n); }, matches, capacity);
+                                 ZelRegExpFind* matches, int capacity) {
+    // While the text comes from a near cache, no way to the first match is faster.
+    constexpr int kNearText = 1 << 19;
+    if (len <= kNearText) {
+        const int first = Reading::find(p, len, literal);
+        if (first == kNotFound) return 0;
+        p += first;
+        len -= first;
+    }
+    const Probes<decltype(Reading::probeOf(0))> probes(
+        literal.text, RarePlaces(literal.text, literal.length), Reading::probeOf);
+    const auto lengthAt = [&](const Zel8u* at) {
+        return Reading::isSameAs(at, literal) ? literal.length : 0;
+    };
+    return collectMatches(p, ptrdiff_t{len} - literal.length + 1, ProbedStarts(probes), lengthAt,
+                          matches, capacity);
 }
 
 /// The literals, one bit each, whose heads the text at p begins with.
@@ -151,13 +210,13 @@ ZEL_INLINE Zel32u headsAt(const Zel8u* p, const Zel8u* end, const kernels::Liter
 /// What several literals begin with, for collectMatches.
 template <int kDepth>
 struct PrefixStarts {
+    static constexpr ptrdiff_t ahead = 0;
     const PrefixFilter<kDepth> filter;
 
-    /// What several can begin with is not rare.
-    ZEL_INLINE bool mayHave(const Zel8u*) const { return true; }
-    ZEL_INLINE uint64_t likely(const Zel8u* p, ptrdiff_t left) const {
-        return PrefixProbe::kIsQuick && left >= kMaskBits ? filter.likelyStarts(p)
-                                                          : filter.starts(p, left);
+    ZEL_INLINE void begin(const Zel8u*, ptrdiff_t) {}
+    ZEL_INLINE uint64_t likely(const Zel8u* p, int n) const {
+        return PrefixProbe::kIsQuick && n == kMaskBits ? filter.likelyStarts(p)
+                                                       : filter.starts(p, n);
     }
     ZEL_INLINE uint64_t refine(const Zel8u*, ptrdiff_t, uint64_t bits) const { return bits; }
 };
@@ -186,8 +245,11 @@ ZEL_INLINE int collectByPrefix(const Zel8u* p, int len, const kernels::LiteralSe
 
 ZEL_INLINE int collectOfSet(const Zel8u* p, int len, const kernels::LiteralSet& set,
                             ZelRegExpFind* matches, int capacity) {
-    if (set.count == 1)
-        return collectOneLiteral(p, len, set.literals[0], set.ignoreCase, matches, capacity);
+    if (set.count == 1) {
+        const kernels::Literal& literal = set.literals[0];
+        return set.ignoreCase ? collectOneLiteral<InAnyCase>(p, len, literal, matches, capacity)
+                              : collectOneLiteral<AsWritten>(p, len, literal, matches, capacity);
+    }
     if (set.prefix.depth == 4) return collectByPrefix<4>(p, len, set, matches, capacity);
     if (set.prefix.depth == 3) return collectByPrefix<3>(p, len, set, matches, capacity);
     return collectByPrefix<2>(p, len, set, matches, capacity);

@@ -8,9 +8,6 @@
 
 namespace zel::ZEL_ISA {
 
-/// Blocks of 64 positions that are passed over together while nothing is found.
-inline constexpr int kGroupBlocks = 4;
-
 template <typename Probe>
 struct Probes {
     ptrdiff_t firstAt;
@@ -39,21 +36,6 @@ struct Probes {
     }
     ZEL_INLINE auto maskFirst(const Zel8u* p, int n) const {
         return first.maskFirst(p + firstAt, n) & second.maskFirst(p + secondAt, n);
-    }
-    /// Whether the first two let through any start in the kGroupBlocks blocks of 64 at p.
-    ZEL_INLINE bool mayHave(const Zel8u* p) const {
-        auto found = hits(p);
-        for (int at = Probe::kLanes; at < kMaskBits * kGroupBlocks; at += Probe::kLanes)
-            found = found | hits(p + at);
-        return found.any();
-    }
-    /// Which of the first 64 of `left` positions the first two let through.
-    ZEL_INLINE uint64_t likely(const Zel8u* p, ptrdiff_t left) const {
-        return memberBits(first, p + firstAt, left) & memberBits(second, p + secondAt, left);
-    }
-    /// Which of these the third does.
-    ZEL_INLINE uint64_t refine(const Zel8u* p, ptrdiff_t left, uint64_t bits) const {
-        return bits & memberBits(third, p + thirdAt, left);
     }
 };
 

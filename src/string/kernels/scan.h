@@ -116,9 +116,11 @@ struct EqualsAnyOf {
         return result;
     }
     ZEL_INLINE Hits<T> hits(const T* p) const { return hits(Vec<T>::load(p)); }
-    ZEL_INLINE Mask<T> maskFirst(const T* p, int n) const {
-        const Vec<T> v = Vec<T>::loadFirst(p, n);
+    ZEL_INLINE Mask<T> maskOf(Vec<T> v) const {
         return N == 1 ? Mask<T>{equalBits(v, values[0])} : hits(v).mask();
+    }
+    ZEL_INLINE Mask<T> maskFirst(const T* p, int n) const {
+        return maskOf(Vec<T>::loadFirst(p, n));
     }
 };
 

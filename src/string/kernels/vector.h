@@ -45,6 +45,13 @@ ZEL_INLINE void storeWord(void* p, Word word) {
     memcpy(p, &word, sizeof word);
 }
 
+/// A mask that is shifted next. With 512 bits, compilers would do that where it takes four times as
+/// long.
+ZEL_INLINE uint64_t inGeneralRegister(uint64_t mask) {
+    asm("" : "+r"(mask));
+    return mask;
+}
+
 }  // namespace zel::ZEL_ISA
 
 #if defined(ZEL_ISA_AVX512)

@@ -402,12 +402,6 @@ ZEL_INLINE __m512i moveBits(__m512i v) {
     return _mm512_gf2p8affine_epi64_epi8(v, splatWord<bitMove(up, kept)>(), marks);
 }
 
-/// A mask that is shifted next. Compilers would do that where it takes four times as long.
-ZEL_INLINE uint64_t inGeneralRegister(uint64_t mask) {
-    asm("" : "+r"(mask));
-    return mask;
-}
-
 /// The bytes from 0x80 to 0xBF.
 ZEL_INLINE Mask<Zel8u> continuations(Vec<Zel8u> v) {
     return {_mm512_cmplt_epi8_mask(v.v, _mm512_set1_epi8(-64))};
