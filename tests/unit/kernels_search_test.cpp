@@ -297,18 +297,14 @@ TEST_P(SearchInstances, Kernels_AnswerTheLengthWhenThereIsNothing) {
         std::fill(pages.begin(), pages.end(), Zel8u{'5'});
         std::fill(p, p + len, Zel8u{'q'});
         ASSERT_EQ(library().findByte(p, len, '5'), len);
-        ASSERT_EQ(library().findByteNot(p, len, 'q'), len);
         ASSERT_EQ(library().findByteRev(p, len, '5'), -1);
         ASSERT_EQ(library().findByte2(p, len, '5', '6'), len);
         ASSERT_EQ(library().findByte3(p, len, '4', '5', '6'), len);
         ASSERT_EQ(library().findByteIn(p, len, digits), len);
-        ASSERT_EQ(library().findByteInRev(p, len, digits), -1);
         ASSERT_EQ(library().findBytes(p, len, pages.begin(), len + 1), len);
-        ASSERT_EQ(library().findBytesRev(p, len, pages.begin(), len + 1), -1);
-        ASSERT_EQ(library().findBytesIgnoreCase(p, len, pages.begin(), 3), len);
+        ASSERT_EQ(library().findBytesIgnoreCaseRev(p, len, pages.begin(), 3), -1);
         std::fill(p, p + len, Zel8u{'7'});
         ASSERT_EQ(library().findByteNotIn(p, len, digits), len);
-        ASSERT_EQ(library().findByteNotInRev(p, len, digits), -1);
     }
 }
 
@@ -331,20 +327,17 @@ TEST_P(SearchInstances, Kernels_FindBytesInAndNotInRandomSets) {
             do p[i] = static_cast<Zel8u>(random.below(256));
             while (has(p[i]) != mostlyIn && !random.oneIn(60));
         }
-        int firstIn = len, firstNot = len, lastIn = -1, lastNot = -1;
+        int firstIn = len, firstNot = len;
         for (int i = 0; i < len; ++i) {
             int& first = has(p[i]) ? firstIn : firstNot;
             if (first == len) first = i;
-            (has(p[i]) ? lastIn : lastNot) = i;
         }
         ASSERT_EQ(library().findByteIn(p, len, set), firstIn);
         ASSERT_EQ(library().findByteNotIn(p, len, set), firstNot);
-        ASSERT_EQ(library().findByteInRev(p, len, set), lastIn);
-        ASSERT_EQ(library().findByteNotInRev(p, len, set), lastNot);
     }
 }
 
-TEST_P(SearchInstances, Kernels_FindOneOfThreeAndTheFirstOther) {
+TEST_P(SearchInstances, Kernels_FindOneOfThree) {
     GuardedPages pages(3);
     for (const int len : lengthsToTry()) {
         if (len == 0) continue;
@@ -355,7 +348,6 @@ TEST_P(SearchInstances, Kernels_FindOneOfThreeAndTheFirstOther) {
                 p[place] = c;
                 ASSERT_EQ(library().findByte(p, len, c), place);
                 ASSERT_EQ(library().findByteRev(p, len, c), place);
-                ASSERT_EQ(library().findByteNot(p, len, 'q'), place);
                 ASSERT_EQ(library().findByte2(p, len, 'a', 'b'), c == 'c' ? len : place);
                 ASSERT_EQ(library().findByte3(p, len, 'a', 'b', 'c'), place);
             }
@@ -384,27 +376,26 @@ TEST_P(SearchInstances, Kernels_FindBytesIgnoringTheCaseOfLettersOnly) {
         Zel8u* const p =
             random.oneIn(2) ? pages.atStart<Zel8u>() : pages.atEnd<Zel8u>(static_cast<size_t>(len));
         for (int i = 0; i < len; ++i) p[i] = any();
-        int expected = len;
-        for (int i = 0; i + lenNeedle <= len && expected == len; ++i) {
-            if (std::equal(needle.begin(), needle.end(), p + i,
-                           [](Zel8u a, Zel8u b) { return lower(a) == lower(b); }))
-                expected = i;
+        int first = -1;
+        int last = -1;
+        for (int i = 0; i + lenNeedle <= len; ++i) {
+            if (!std::equal(needle.begin(), needle.end(), p + i,
+                            [](Zel8u a, Zel8u b) { return lower(a) == lower(b); }))
+                continue;
+            if (first < 0) first = i;
+            last = i;
         }
-        ASSERT_EQ(library().findBytesIgnoreCase(p, len, needle.data(), lenNeedle), expected);
-    }
-}
-
-TEST_P(SearchInstances, Kernels_CountContinuationBytes) {
-    GuardedPages pages(3);
-    Random random(7);
-    for (const int len : lengthsToTry()) {
-        Zel8u* const p = pages.atEnd<Zel8u>(static_cast<size_t>(len));
-        int expected = 0;
-        for (int i = 0; i < len; ++i) {
-            p[i] = static_cast<Zel8u>(random.below(256));
-            expected += (p[i] & 0xC0) == 0x80;
+        ASSERT_EQ(library().findBytesIgnoreCaseRev(p, len, needle.data(), lenNeedle), last);
+        kernels::LiteralSet set;
+        set.count = 1;
+        set.ignoreCase = true;
+        set.literals[0] = {needle.data(), lenNeedle};
+        ZelRegExpFind match;
+        ASSERT_EQ(library().collectLiterals(p, len, &set, &match, 1), first < 0 ? 0 : 1);
+        if (first >= 0) {
+            ASSERT_EQ(match.pMatch, p + first);
+            ASSERT_EQ(match.lenMatch, lenNeedle);
         }
-        ASSERT_EQ(library().countUtf8Continuations(p, len), expected) << len;
     }
 }
 

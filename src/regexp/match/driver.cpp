@@ -33,22 +33,6 @@ constexpr int kShortText = 512;
 /// Where a search may begin.
 enum class Anchor { kNone, kStart, kLineStart };
 
-/// Where the literal stands last, -1 when nowhere.
-int findLastIgnoringCase(const Zel8u* text, int length, const Zel8u* literal, int literalLength) {
-    ByteSet first = {};
-    first.add(*literal);
-    if (isAsciiLetter(*literal)) first.add(*literal ^ 0x20u);
-    for (int behind = length - literalLength + 1; behind > 0;) {
-        const int start = kernels::findByteInRev(text, behind, first.words);
-        if (start < 0) break;
-        int i = 1;
-        while (i < literalLength && sameByte(text[start + i], literal[i], true)) ++i;
-        if (i >= literalLength) return start;
-        behind = start;
-    }
-    return -1;
-}
-
 /// Length of the text up to the end of the last occurrence of the pattern's trailing literal: no
 /// match can end behind it. 0 when it does not occur.
 int lengthToTrailingLiteral(const Zel8u* text, int length, const ZelRegExpState& state) {
@@ -59,7 +43,7 @@ int lengthToTrailingLiteral(const Zel8u* text, int length, const ZelRegExpState&
     const int literalLength = isString ? node.count : 1;
     int position = -1;
     if ((static_cast<Zel32u>(node.extra) & kOptionIgnoreCase) != 0) {
-        position = findLastIgnoringCase(text, length, literal, literalLength);
+        position = kernels::findBytesIgnoreCaseRev(text, length, literal, literalLength);
     } else if (isString) {
         zelsFindRev_8u(text, length, literal, literalLength, &position);
     } else {
@@ -68,8 +52,16 @@ int lengthToTrailingLiteral(const Zel8u* text, int length, const ZelRegExpState&
     return position < 0 ? 0 : position + literalLength;
 }
 
+/// Whether the search reads on for the literal that the pattern consists of, up to the end, and so
+/// does by itself what narrowing would do for it. It costs one step a position.
+bool findsAllOfOneLiteral(const ZelRegExpState& state, int length) {
+    return state.nodeCount == 1 && (state.options & kOptionGlobal) != 0 &&
+           state.matchLimit > length;
+}
+
 int narrowedLength(const Zel8u* text, int length, const ZelRegExpState& state) {
-    return state.trailingLiteral < 0 ? length : lengthToTrailingLiteral(text, length, state);
+    if (state.trailingLiteral < 0 || findsAllOfOneLiteral(state, length)) return length;
+    return lengthToTrailingLiteral(text, length, state);
 }
 
 /// The first top-level bar from node `from` on, or the number of nodes.

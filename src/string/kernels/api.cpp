@@ -25,10 +25,6 @@ int findByte(const Zel8u* p, int len, Zel8u c) {
     return orLength(findElement(p, len, c), len);
 }
 
-int findByteNot(const Zel8u* p, int len, Zel8u c) {
-    return orLength(firstHit(p, len, Differs<Zel8u>::from(c)), len);
-}
-
 int findByteRev(const Zel8u* p, int len, Zel8u c) {
     return findElement<From::End>(p, len, c);
 }
@@ -51,24 +47,12 @@ int findByteNotIn(const Zel8u* p, int len, const uint64_t* set) {
     return orLength(firstHit(p, len, NotInClass{ByteClass::fromWords(set)}), len);
 }
 
-int findByteInRev(const Zel8u* p, int len, const uint64_t* set) {
-    return lastHit(p, len, ByteClass::fromWords(set));
-}
-
-int findByteNotInRev(const Zel8u* p, int len, const uint64_t* set) {
-    return lastHit(p, len, NotInClass{ByteClass::fromWords(set)});
-}
-
 int findBytes(const Zel8u* p, int len, const Zel8u* needle, int needleLen) {
     return orLength(findString(p, len, needle, needleLen), len);
 }
 
-int findBytesRev(const Zel8u* p, int len, const Zel8u* needle, int needleLen) {
-    return findString<From::End>(p, len, needle, needleLen);
-}
-
-int findBytesIgnoreCase(const Zel8u* p, int len, const Zel8u* needle, int needleLen) {
-    return orLength(findStringIgnoreCase(p, len, needle, needleLen), len);
+int findBytesIgnoreCaseRev(const Zel8u* p, int len, const Zel8u* needle, int needleLen) {
+    return findStringIgnoreCase<From::End>(p, len, needle, needleLen);
 }
 
 void gatherBytes(const Zel8u* p, int len, const Zel8u* needle, int needleLen,
@@ -133,10 +117,6 @@ int collectLiterals(const Zel8u* p, int len, const kernels::LiteralSet* set, Zel
 int collectEnclosedRuns(const Zel8u* p, int len, const kernels::EnclosedRun* run,
                         ZelRegExpFind* matches, int capacity, int64_t budget) {
     return collectEnclosed(p, len, *run, matches, capacity, budget);
-}
-
-int countUtf8Continuations(const Zel8u* p, int len) {
-    return countContinuations(p, len);
 }
 
 }  // namespace zel::ZEL_ISA

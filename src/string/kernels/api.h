@@ -17,8 +17,6 @@ namespace zel::kernels {
 
 /// The first byte equal to c.
 int findByte(const Zel8u* p, int len, Zel8u c);
-/// The first byte not equal to c.
-int findByteNot(const Zel8u* p, int len, Zel8u c);
 /// The last byte equal to c.
 int findByteRev(const Zel8u* p, int len, Zel8u c);
 
@@ -26,18 +24,15 @@ int findByteRev(const Zel8u* p, int len, Zel8u c);
 int findByte2(const Zel8u* p, int len, Zel8u a, Zel8u b);
 int findByte3(const Zel8u* p, int len, Zel8u a, Zel8u b, Zel8u c);
 
-/// The first or last byte that is, or is not, in a set of bytes: four words, where bit c & 63 of
+/// The first byte that is, or is not, in a set of bytes: four words, where bit c & 63 of
 /// set[c >> 6] says whether c is a member.
 int findByteIn(const Zel8u* p, int len, const uint64_t* set);
 int findByteNotIn(const Zel8u* p, int len, const uint64_t* set);
-int findByteInRev(const Zel8u* p, int len, const uint64_t* set);
-int findByteNotInRev(const Zel8u* p, int len, const uint64_t* set);
 
-/// Where a needle of at least one byte stands first, or last.
+/// Where a needle of at least one byte stands first.
 int findBytes(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
-int findBytesRev(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
-/// Where it stands first when the letters A-Z and a-z are alike, in text and needle.
-int findBytesIgnoreCase(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
+/// Where it stands last when the letters A-Z and a-z are alike, in text and needle.
+int findBytesIgnoreCaseRev(const Zel8u* p, int len, const Zel8u* needle, int needleLen);
 
 /// Places in a text: all those below `scanned`. There may be none only when all of the text was
 /// scanned.
@@ -214,17 +209,14 @@ bool maskAscii(const Zel8u* p, int len, const AsciiSets* sets, TextMasks* masks)
 void copyBytes(const Zel8u* src, Zel8u* dst, ptrdiff_t n);
 void zeroBytes(Zel8u* dst, ptrdiff_t n);
 
-/// How many of the bytes are UTF-8 continuations, 0x80 to 0xBF.
-int countUtf8Continuations(const Zel8u* p, int len);
-
 }  // namespace zel::kernels
 
 /// The functions of this page, as a list to expand.
 // clang-format off
 #define ZEL_KERNELS(X)                                                                            \
-    X(findByte) X(findByteNot) X(findByteRev) X(findByte2) X(findByte3) X(findByteIn)             \
-    X(findByteNotIn) X(findByteInRev) X(findByteNotInRev) X(findBytes) X(findBytesRev)            \
-    X(findBytesIgnoreCase) X(countUtf8Continuations) X(gatherBytes) X(gatherBytesFolded)          \
-    X(gatherBytesIn) X(gatherShapes) X(gatherPairsIn) X(gatherDoubled) X(gatherPrefixes) X(boundRuns)             \
-    X(collectRunsOf) X(collectLiterals) X(collectEnclosedRuns) X(collectCharacters) X(maskAscii) X(copyBytes) X(zeroBytes)
+    X(findByte) X(findByteRev) X(findByte2) X(findByte3) X(findByteIn) X(findByteNotIn)           \
+    X(findBytes) X(findBytesIgnoreCaseRev) X(gatherBytes)                                          \
+    X(gatherBytesFolded) X(gatherBytesIn) X(gatherShapes) X(gatherPairsIn) X(gatherDoubled)       \
+    X(gatherPrefixes) X(boundRuns) X(collectRunsOf) X(collectLiterals) X(collectEnclosedRuns)     \
+    X(collectCharacters) X(maskAscii) X(copyBytes) X(zeroBytes)
 // clang-format on
