@@ -11,6 +11,8 @@ namespace zel {
 
 namespace {
 
+constexpr int64_t kBeyondBudgets = int64_t{1} << 32;
+
 /// tripleSlot for eight triples, whose first two bytes are words and the third is the first
 /// byte of a word.
 __m128i slotsOf(__m128i firsts, __m128i thirds) {
@@ -24,11 +26,13 @@ __m128i slotsOf(__m128i firsts, __m128i thirds) {
 }  // namespace
 
 TextTriples::TextTriples(const Zel8u* text, int length, int patterns) {
+    if (length > kLongestText || patterns < kFewestPatterns) {
+        for (int64_t& power : powers_) power = kBeyondBudgets;
+        return;
+    }
     powers_[0] = 1;
     for (int i = 1; i <= RequiredText::kMostRuns; ++i) powers_[i] = powers_[i - 1] * (length + 1);
-    const bool isWorthIt = length <= kLongestText && patterns >= kFewestPatterns;
-    memset(present_, isWorthIt ? 0 : 1, sizeof present_);
-    if (!isWorthIt) return;
+    memset(present_, 0, sizeof present_);
 
     constexpr int kAtATime = 16;
     constexpr int kRead = kAtATime + kTripleLength;

@@ -20,8 +20,8 @@ public:
     /// from what every match holds and the text does not.
     bool surelyExclude(const ZelRegExpState& state) const {
         const RequiredText* const required = findRequiredText(state);
-        return required != nullptr && !mayHold(*required) &&
-               required->steps * powers_[required->runs] <= state.matchLimit;
+        return required != nullptr &&
+               required->steps * powers_[required->runs] <= state.matchLimit && !mayHold(*required);
     }
 
 private:
@@ -35,7 +35,8 @@ private:
         return all != 0;
     }
 
-    int64_t powers_[RequiredText::kMostRuns + 1];  // of the text's length and one
+    // Of the text's length and one; beyond every budget where the triples are not known.
+    int64_t powers_[RequiredText::kMostRuns + 1];
     Zel8u present_[kTripleSlots];
 };
 
