@@ -120,12 +120,14 @@ template <typename T>
 
 template <typename T>
 [[gnu::noinline]] ZelStatus removeMedium(const T* src, int len, T* dst, int start, int lenRemove) {
-    const T* const tail = src + start + lenRemove;
+    constexpr int kShort = static_cast<int>(kShortBlock / static_cast<ptrdiff_t>(sizeof(T)));
+    const auto n = static_cast<size_t>(len);
     const int lenTail = len - start - lenRemove;
-    if (!isShortCopy(src, dst, start) || !isShortCopy(tail, dst + start, lenTail)) [[unlikely]]
+    if (start > kShort || lenTail > kShort || (src != dst && !areDisjoint(dst, n, src, n)))
+        [[unlikely]]
         return removeLong(src, len, dst, start, lenRemove);
     copyShort(src, dst, start);
-    copyShort(tail, dst + start, lenTail);
+    copyShort(src + start + lenRemove, dst + start, lenTail);
     return zelStatusOk;
 }
 
