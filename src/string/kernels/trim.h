@@ -95,7 +95,7 @@ template <Ends ends, typename T>
 [[gnu::noinline]] Kept keptInLongText(const T* src, int len, const T* set, int lenSet) {
     switch (lenSet) {
         case 1:
-            return keptWithout<ends>(src, len, EqualsAnyOf<T, 1>::of(set));
+            return keptInLong<ends>(src, len, Differs<T>::from(set[0]));
         case 2:
             return keptWithout<ends>(src, len, EqualsAnyOf<T, 2>::of(set));
         case 3:
