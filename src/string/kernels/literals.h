@@ -150,42 +150,67 @@ private:
           distance(static_cast<int>(ahead - (isFirstEarlier ? probes.firstAt : probes.secondAt))) {}
 };
 
-/// How to find a literal: what stands for one of its bytes, the first place, and the comparison.
-struct AsWritten {
-    ZEL_INLINE static auto probeOf(Zel8u c) { return EqualsAnyOf<Zel8u, 1>::of(&c); }
-    ZEL_INLINE static int find(const Zel8u* p, int len, const kernels::Literal& literal) {
-        return findString(p, len, literal.text, literal.length);
+/// A literal to compare texts with, as it stands or in any case; its beginning is at hand.
+template <bool ignoreCase>
+class PreparedLiteral {
+    using V = Vec<Zel8u>;
+
+public:
+    ZEL_INLINE explicit PreparedLiteral(const kernels::Literal& literal)
+        : text_(literal.text),
+          length_(literal.length),
+          head_(literal.length < V::kLanes ? literal.length : V::kLanes),
+          caseBits_(V::zero()),
+          folded_(V::loadFirst(literal.text, head_)) {
+        if constexpr (ignoreCase) {
+            caseBits_ = ToLowerLatin{}(folded_) ^ ToUpperLatin {}(folded_);
+            folded_ = folded_ | caseBits_;
+        }
     }
-    ZEL_INLINE static bool isSameAs(const Zel8u* p, const kernels::Literal& literal) {
-        return isSame(p, literal.text, literal.length);
+    /// Its length if it stands at p, else 0.
+    ZEL_INLINE int lengthAt(const Zel8u* p) const {
+        const auto same = equalWithBits(V::loadFirst(p, head_), caseBits_, folded_);
+        if (!same.mask().isAll()) return 0;
+        if (length_ <= V::kLanes) [[likely]]
+            return length_;
+        const bool isRest = ignoreCase ? isSameFolded(p + head_, text_ + head_, length_ - head_)
+                                       : isSame(p + head_, text_ + head_, length_ - head_);
+        return isRest ? length_ : 0;
     }
-};
-struct InAnyCase {
-    ZEL_INLINE static FoldedByte probeOf(Zel8u c) { return FoldedByte(c); }
-    ZEL_INLINE static int find(const Zel8u* p, int len, const kernels::Literal& literal) {
-        return findStringIgnoreCase(p, len, literal.text, literal.length);
+    ZEL_INLINE int find(const Zel8u* p, int len) const {
+        return ignoreCase ? findStringIgnoreCase(p, len, text_, length_)
+                          : findString(p, len, text_, length_);
     }
-    ZEL_INLINE static bool isSameAs(const Zel8u* p, const kernels::Literal& literal) {
-        return isSameFolded(p, literal.text, literal.length);
+    ZEL_INLINE static auto probeOf(Zel8u c) {
+        if constexpr (ignoreCase)
+            return FoldedByte(c);
+        else
+            return EqualsAnyOf<Zel8u, 1>::of(&c);
     }
+
+private:
+    const Zel8u* text_;
+    int length_;
+    int head_;  // bytes at hand
+    V caseBits_;
+    V folded_;
 };
 
-template <typename Reading>
+template <bool ignoreCase>
 ZEL_INLINE int collectOneLiteral(const Zel8u* p, int len, const kernels::Literal& literal,
                                  ZelRegExpFind* matches, int capacity) {
+    const PreparedLiteral<ignoreCase> prepared(literal);
     // While the text comes from a near cache, no way to the first match is faster.
     constexpr int kNearText = 1 << 19;
     if (len <= kNearText) {
-        const int first = Reading::find(p, len, literal);
+        const int first = prepared.find(p, len);
         if (first == kNotFound) return 0;
         p += first;
         len -= first;
     }
-    const Probes<decltype(Reading::probeOf(0))> probes(
-        literal.text, RarePlaces(literal.text, literal.length), Reading::probeOf);
-    const auto lengthAt = [&](const Zel8u* at) {
-        return Reading::isSameAs(at, literal) ? literal.length : 0;
-    };
+    const Probes<decltype(prepared.probeOf(0))> probes(
+        literal.text, RarePlaces(literal.text, literal.length), prepared.probeOf);
+    const auto lengthAt = [&](const Zel8u* at) { return prepared.lengthAt(at); };
     return collectMatches(p, ptrdiff_t{len} - literal.length + 1, ProbedStarts(probes), lengthAt,
                           matches, capacity);
 }
@@ -247,8 +272,8 @@ ZEL_INLINE int collectOfSet(const Zel8u* p, int len, const kernels::LiteralSet& 
                             ZelRegExpFind* matches, int capacity) {
     if (set.count == 1) {
         const kernels::Literal& literal = set.literals[0];
-        return set.ignoreCase ? collectOneLiteral<InAnyCase>(p, len, literal, matches, capacity)
-                              : collectOneLiteral<AsWritten>(p, len, literal, matches, capacity);
+        return set.ignoreCase ? collectOneLiteral<true>(p, len, literal, matches, capacity)
+                              : collectOneLiteral<false>(p, len, literal, matches, capacity);
     }
     if (set.prefix.depth == 4) return collectByPrefix<4>(p, len, set, matches, capacity);
     if (set.prefix.depth == 3) return collectByPrefix<3>(p, len, set, matches, capacity);
