@@ -112,46 +112,6 @@ TEST(Stack, ManyNestedGroups) {
     });
 }
 
-namespace {
-
-#ifdef __SANITIZE_ADDRESS__
-constexpr size_t kSmallestStack = 64 * 1024;  // the frames of instrumented code are larger
-#else
-const size_t kSmallestStack = static_cast<size_t>(PTHREAD_STACK_MIN);
-#endif
-
-}  // namespace
-
-TEST(Stack, SmallestThreadsSearchOrGiveUp) {
-    const std::string patterns[] = {
-        // Deep in the search itself.
-        repeated("[ab]*?", 66) + "[qz]", repeated("()", 998) + "a*[qz]",
-        "(?=(" + repeated("()", 900) + "a))*[qz]", repeated("(?=", 400) + "a" + repeated(")", 400),
-        "(?>(a)|b)*?[qz]",
-        // Deep in what is worked out ahead of it.
-        repeated("a*", 195) + "[qz]", repeated("(", 190) + "a*" + repeated(")", 190) + "[qz]",
-        repeated("(?:x|", 95) + "b" + repeated(")", 95) + "[qz]"};
-    const std::string texts[] = {repeated("a", 3000), repeated(" ", 3000),
-                                 repeated("\xC3\xA9", 1500)};
-    for (size_t stack = kSmallestStack; stack <= 128 * 1024; stack += stack / 4) {
-        for (const std::string& pattern : patterns) {
-            Pattern compiled(pattern);
-            for (const std::string& text : texts) {
-                ZelStatus status = 1;
-                onThread(stack, [&] {
-                    ZelRegExpFind result;
-                    int count = 1;
-                    status = zelsRegExpFind_8u(reinterpret_cast<const Zel8u*>(text.data()),
-                                               static_cast<int>(text.size()), compiled.state(),
-                                               &result, &count);
-                });
-                EXPECT_TRUE(status == zelStatusOk || status == zelStatusRegExpMatchLimitError)
-                    << pattern << " with a stack of " << stack;
-            }
-        }
-    }
-}
-
 // ---- Time ---------------------------------------------------------------------------------------
 
 TEST(Time, LazyLoopsGiveUpWhenTheBudgetHasEnded) {

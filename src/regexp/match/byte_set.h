@@ -38,6 +38,18 @@ struct ByteSet {
     }
 };
 
+/// What is known of a class's characters of two bytes, a word for each of the 32 lead bytes: made
+/// when the lead byte has been met `kKnown` times, since few of them are met at all.
+struct WideAnswers {
+    static constexpr int kKnown = 8;
+    Zel8u met[32];
+    uint64_t answers[32];
+
+    void clear() {
+        for (Zel8u& count : met) count = 0;
+    }
+};
+
 /// What a bracket class accepts: its one-byte characters as a set, and how to treat the others.
 struct ClassSet {
     enum Wide : int { kNoWide, kAllWide, kTestWide };
@@ -47,22 +59,29 @@ struct ClassSet {
     bool elsewhere;
     Zel32u first;
     Zel32u last;
-    // The answers for the characters of two bytes, a word for each of the 32 lead bytes: made when
-    // the lead byte has been met `kKnown` times, since few of them are met at all.
-    static constexpr int kKnown = 8;
-    mutable Zel8u met[32];
-    mutable uint64_t answers[32];
+    WideAnswers* learnt;  // for kTestWide; null where nothing is to be learnt
 };
 
 /// The classes that a search has met, looked up by the index of their head node. Filled on first
-/// use.
+/// use. Whoever keeps a copy of a set learns together with all others: answers belong to one class
+/// for as long as the search lasts, and classes beyond the first few with many characters go
+/// without.
 struct ClassCache {
     static constexpr int kSize = 8;
+    static constexpr int kLearners = 3;
     int key[kSize];  // node index, and the ignore-case flag in bit 30; -1 empty
     ClassSet sets[kSize];
+    int learners;
+    WideAnswers learnt[kLearners];
 
     void clear() {
         for (int& k : key) k = -1;
+        learners = 0;
+    }
+    WideAnswers* newLearner() {
+        if (learners == kLearners) return nullptr;
+        learnt[learners].clear();
+        return &learnt[learners++];
     }
 };
 

@@ -71,7 +71,7 @@ void lookAtWide(const Node& head, Zel32u flags, ClassSet& set);
 ByteSet firstBytes(const Node& node, Zel32u flags, bool utf8);
 /// The set form of any node that stands for one character, but a letter.
 void buildCharacterSet(const Node& node, Zel32u flags, ClassSet& set);
-/// acceptsCharacter for a character of two bytes; notes in the set that its lead byte was met.
+/// acceptsCharacter for a character of two bytes; learns from it when the set has where to.
 bool learnAnswer(const Node& node, const Zel8u* text, int codePoint, Zel32u flags,
                  const ClassSet& set);
 

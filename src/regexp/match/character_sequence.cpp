@@ -26,6 +26,8 @@ bool CharacterSequence::readPart(const Node& node) {
     part.node = &node;
     part.first = firstBytes(node, flags_, true);
     buildCharacterSet(node, flags_, part.set);
+    part.learnt.clear();
+    part.set.learnt = &part.learnt;
     return true;
 }
 
@@ -68,19 +70,20 @@ void CharacterSequence::makePattern(kernels::CharacterPattern& pattern) const {
     static_assert(kernels::CharacterPattern::kUnbounded == kUnbounded);
     pattern.count = count_;
     for (int i = 0; i < count_; ++i) {
-        const ClassSet& set = parts_[i].set;
+        const Part& part = parts_[i];
+        const ClassSet& set = part.set;
         kernels::CharacterSet& known = pattern.sets[i];
-        pattern.min[i] = parts_[i].min;
-        pattern.max[i] = parts_[i].max;
+        pattern.min[i] = part.min;
+        pattern.max[i] = part.max;
         memcpy(known.bytes, set.bytes.words, sizeof known.bytes);
-        memcpy(known.bytes + 2, parts_[i].first.words + 2, sizeof known.bytes / 2);
+        memcpy(known.bytes + 2, part.first.words + 2, sizeof known.bytes / 2);
         known.isTested = set.wide == ClassSet::kTestWide;
         known.elsewhere = set.elsewhere;
         if (!known.isTested) continue;
         known.known = 0;
         for (int lead = 0; lead < 32; ++lead)
-            known.known |= Zel32u{set.met[lead] == ClassSet::kKnown} << lead;
-        memcpy(known.twoBytes, set.answers, sizeof known.twoBytes);
+            known.known |= Zel32u{part.learnt.met[lead] == WideAnswers::kKnown} << lead;
+        memcpy(known.twoBytes, part.learnt.answers, sizeof known.twoBytes);
     }
 }
 

@@ -30,6 +30,7 @@ private:
         const Node* node;
         ByteSet first;  // what its characters can begin with
         ClassSet set;
+        WideAnswers learnt;
         int min;
         int max;
     };

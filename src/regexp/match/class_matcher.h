@@ -16,9 +16,12 @@ inline const ClassSet& classSet(RegExpMatchContext& context, int index) {
     const int key = (context.flags & kOptionIgnoreCase) != 0 ? index | kIgnoreCaseKey : index;
     if (cache.key[slot] != key) {
         cache.key[slot] = key;
-        cache.sets[slot].bytes = bytesOfClass(context.nodes[index], context.flags);
-        if (context.format == kFormatUtf8)
-            lookAtWide(context.nodes[index], context.flags, cache.sets[slot]);
+        ClassSet& set = cache.sets[slot];
+        set.bytes = bytesOfClass(context.nodes[index], context.flags);
+        if (context.format == kFormatUtf8) {
+            lookAtWide(context.nodes[index], context.flags, set);
+            if (set.wide == ClassSet::kTestWide) set.learnt = cache.newLearner();
+        }
     }
     return cache.sets[slot];
 }
@@ -29,10 +32,12 @@ inline int acceptedLength(const ClassSet& set, const Node& node, const Zel8u* te
                           const Zel8u* end, Zel32u flags) {
     if (*text < 0x80) return set.bytes.has(*text);
     const unsigned lead = *text - 0xC0u;
-    if (lead < 32 && set.met[lead] == ClassSet::kKnown && end - text > 1) {
+    const WideAnswers* const learnt = set.learnt;
+    if (lead < 32 && learnt != nullptr && learnt->met[lead] == WideAnswers::kKnown &&
+        end - text > 1) {
         const unsigned low = text[1] ^ 0x80u;
         if (low > 0x3F) return set.bytes.has(*text);
-        return ((set.answers[lead] >> low) & 1) != 0 ? 2 : 0;
+        return ((learnt->answers[lead] >> low) & 1) != 0 ? 2 : 0;
     }
     const Utf8Char character = decodeUtf8Sequence(text, end - text);
     if (character.length == 1) return set.bytes.has(*text);

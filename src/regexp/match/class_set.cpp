@@ -163,7 +163,7 @@ void setWide(const Span& span, ClassSet& set) {
     set.last = span.last;
     set.wide = span.elsewhere ? ClassSet::kAllWide : ClassSet::kNoWide;
     if (span.first <= span.last) set.wide = ClassSet::kTestWide;
-    for (Zel8u& count : set.met) count = 0;
+    set.learnt = nullptr;
 }
 
 /// Adds a member that is a plain byte, range or shorthand; false for any other.
@@ -254,9 +254,10 @@ void buildCharacterSet(const Node& node, Zel32u flags, ClassSet& set) {
 
 bool learnAnswer(const Node& node, const Zel8u* text, int codePoint, Zel32u flags,
                  const ClassSet& set) {
+    if (set.learnt == nullptr) return acceptsCharacter(node, text, codePoint, 2, flags);
     const Zel8u lead = *text;
-    Zel8u& met = set.met[lead & 0x1F];
-    if (met + 1 < ClassSet::kKnown) {
+    Zel8u& met = set.learnt->met[lead & 0x1F];
+    if (met + 1 < WideAnswers::kKnown) {
         ++met;
         return acceptsCharacter(node, text, codePoint, 2, flags);
     }
@@ -271,8 +272,8 @@ bool learnAnswer(const Node& node, const Zel8u* text, int codePoint, Zel32u flag
     } else {
         answers = twoByteCharacters(node, lead, flags);
     }
-    set.answers[lead & 0x1F] = answers;
-    met = ClassSet::kKnown;
+    set.learnt->answers[lead & 0x1F] = answers;
+    met = WideAnswers::kKnown;
     return ((answers >> (text[1] & 0x3F)) & 1) != 0;
 }
 

@@ -93,23 +93,29 @@ bool beginsWithLiteral(const ZelRegExpState& state) {
 /// is done over, trying every position.
 enum class Pay { kUpperBound, kExactly };
 
+/// One search. Its aids, the plan and the description as a pattern that matches in one way only,
+/// are larger than the smallest stacks can bear. So each lies in the frame of a function of its
+/// own, which is entered only when the search wants the aid and the stack has room for it; the
+/// search goes on inside, from the start position that it has come to.
 class Search {
 public:
-    Search(const WorkAreas& work, const Zel8u* text, int length, const ZelRegExpState& state,
-           Pay pay)
-        : state_(state),
+    Search(const SearchRequest& request, Pay pay)
+        : request_(request),
+          state_(request.state),
           pay_(pay),
-          attemptsBeforePlanning_(pay == Pay::kUpperBound ? kAttemptsBeforePlanning : 0) {
+          attemptsBeforePlanning_(pay == Pay::kUpperBound ? kAttemptsBeforePlanning : 0),
+          position_(request.text) {
+        const ZelRegExpState& state = request.state;
         context_.noEmpty = 0;
         context_.numCaptures = state.groupCount;
         context_.steps = state.matchLimit;
         context_.format = state.format;
         context_.nodeCount = state.nodeCount;
-        context_.textStart = text;
-        context_.textEnd = text + length;
+        context_.textStart = request.text;
+        context_.textEnd = request.text + request.length;
         context_.nodes = state.nodes();
-        context_.captures = work.captures;
-        context_.groups = work.groups;
+        context_.captures = request.work.captures;
+        context_.groups = request.work.groups;
         context_.end = state.nodeCount;
         context_.lazyCodePoints = -1;
         context_.lazyRun.node = -1;
@@ -117,25 +123,131 @@ public:
         context_.classes.clear();
     }
 
-    bool outOfBudget() const { return context_.steps < 0; }
+    /// Fills the results of the request, and says how many there are.
+    ZelStatus run() { return isGlobal() ? findAll() : findFirst(); }
     /// Whether the budget ended, but might not have if everything had been paid exactly.
     bool endedTooEarly() const { return outOfBudget() && guessed_; }
-    const CaptureRecord* captures() const { return context_.captures; }
-    const Zel8u* textEnd() const { return context_.textEnd; }
+
+private:
+    enum class Aid { kNone, kPlan, kOneWay };
+
+    // A plan costs as much as some attempts, and pays when there are many. The plan for a literal
+    // costs next to nothing.
+    static constexpr int kAttemptsBeforePlanning = 8;
+    static constexpr int kCandidatesBeforeOneWay = 3;
+    static constexpr ptrdiff_t kLongText = 200;  // reading a pattern costs as much as some attempts
+
+    bool isGlobal() const { return (state_.options & kOptionGlobal) != 0; }
+    bool outOfBudget() const { return context_.steps < 0; }
+
+    ZelStatus findFirst() {
+        const int slots = state_.groupCount;
+        const int capacity = *request_.count < slots ? *request_.count : slots;
+        goOn();
+        if (found_) {
+            copyRecords(context_.captures, capacity, request_.results);
+            *request_.count = capacity;
+            return zelStatusOk;
+        }
+        *request_.count = outOfBudget() ? capacity : 0;
+        return outOfBudget() ? zelStatusRegExpMatchLimitError : zelStatusOk;
+    }
+
+    ZelStatus findAll() {
+        if (recordsPerMatch() == 1 && collectAll()) return zelStatusOk;
+        goOn();
+        *request_.count = written_;
+        return outOfBudget() ? zelStatusRegExpMatchLimitError : zelStatusOk;
+    }
+
+    /// Searches to the end, with all the aids that are wanted on the way.
+    void goOn() {
+        for (;;) {
+            wanted_ = Aid::kNone;
+            if (isGlobal()) {
+                findMatches();
+            } else {
+                found_ = findFrom(position_);
+            }
+            if (wanted_ == Aid::kNone) return;
+            if (wanted_ == Aid::kPlan) {
+                if (context_.stack.hasRoom(sizeof(Plan)) && goOnWithPlan()) return;
+            } else {
+                if (context_.stack.hasRoom(sizeof(OneWay)) && goOnWithOneWay()) return;
+            }
+        }
+    }
+
+    /// False when there is no plan for the pattern; then the search has not gone on.
+    [[gnu::noinline]] bool goOnWithPlan() {
+        Plan plan;
+        makePlan(state_, anchor_ == Anchor::kLineStart, context_.stack, plan);
+        if (plan.kind == Plan::kNone) return false;
+        plan_ = &plan;
+        goOn();
+        plan_ = nullptr;
+        return true;
+    }
+
+    /// False when the pattern can match in more ways than one; then the search has not gone on.
+    [[gnu::noinline]] bool goOnWithOneWay() {
+        OneWay oneWay;
+        if (!makeOneWay(state_, context_.stack, oneWay)) return false;
+        plan_->makeTriesCheap();
+        oneWay_ = &oneWay;
+        goOn();
+        oneWay_ = nullptr;
+        return true;
+    }
+
+    /// Ends a stretch of the search, which goes on from the position when there is the aid or it
+    /// cannot be had. Answers that nothing was found.
+    bool wantAt(const Zel8u* position, Aid aid) {
+        position_ = position;
+        wanted_ = aid;
+        return false;
+    }
+
+    /// In find-all mode the records of groups stand for a match that has some.
+    int firstSlot() const { return !request_.wholeMatchToo && state_.groupCount > 1 ? 1 : 0; }
+    int recordsPerMatch() const { return state_.groupCount - firstSlot(); }
+
+    /// Writes matches from `position_` on, as many as there is room for.
+    void findMatches() {
+        const int slot = firstSlot();
+        const int records = recordsPerMatch();
+        const int lastFit = *request_.count - records;
+        while (written_ <= lastFit) {
+            bool found;
+            if (retryAt_ != nullptr) {
+                found = findNonEmptyAt(retryAt_);
+                if (!found) position_ = advance(retryAt_);
+                retryAt_ = nullptr;
+                if (!found && !outOfBudget()) continue;
+            } else {
+                found = findFrom(position_);
+            }
+            if (!found) break;
+            copyRecords(context_.captures + slot, records, request_.results + written_);
+            written_ += records;
+            if (outOfBudget()) break;
+            const CaptureRecord& whole = context_.captures[0];
+            position_ = whole.text + whole.length;
+            if (whole.length <= 0) {
+                position_ = whole.text;
+                if (position_ < context_.textEnd) {
+                    retryAt_ = position_;
+                } else {
+                    position_ = advance(position_);
+                }
+            }
+        }
+    }
 
     /// Tries start positions from `start` on.
     bool findFrom(const Zel8u* start) {
-        if (!oneWay_.setsAllCaptures()) clearCaptures();
-        return plan_.kind != Plan::kNone ? findPlanned(startAt(start)) : findWithoutPlan(start);
-    }
-
-    /// Writes all matches from `start` on, for patterns that need no attempts. False when this
-    /// search has to go the ordinary way.
-    bool collectAll(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
-        return pay_ == Pay::kUpperBound && (collectPlainRuns(start, results, capacity, written) ||
-                                            collectLiterals(start, results, capacity, written) ||
-                                            collectEnclosed(start, results, capacity, written) ||
-                                            collectSequences(start, results, capacity, written));
+        if (oneWay_ == nullptr || !oneWay_->setsAllCaptures()) clearCaptures();
+        return plan_ != nullptr ? findPlanned(startAt(start)) : findWithoutPlan(start);
     }
 
     /// Tries the start position again, for a match that is not empty.
@@ -153,14 +265,7 @@ public:
         return position + utf8Length(position, context_.textEnd - position);
     }
 
-private:
-    // A plan costs as much as some attempts, and pays when there are many. The plan for a literal
-    // costs next to nothing.
-    static constexpr int kAttemptsBeforePlanning = 8;
-    static constexpr int kCandidatesBeforeOneWay = 3;
-    static constexpr ptrdiff_t kLongText = 200;  // reading a pattern costs as much as some attempts
-
-    /// Tries start positions, and plans when there have been some in vain.
+    /// Tries start positions, and wants a plan when there have been some in vain.
     [[gnu::noinline]] bool findWithoutPlan(const Zel8u* start) {
         if (start == context_.textStart) {
             // The beginning is tried whatever the anchor; many a search ends here.
@@ -172,10 +277,8 @@ private:
         for (const Zel8u* position = startAt(start); position != nullptr;
              position = after(position)) {
             if (outOfBudget()) return false;  // every further attempt fails at once
-            if (attemptsBeforePlanning_ > 0 && --attemptsBeforePlanning_ == 0) {
-                makePlan(state_, anchor_ == Anchor::kLineStart, context_.stack, plan_);
-                if (plan_.kind != Plan::kNone) return findPlanned(position);
-            }
+            if (attemptsBeforePlanning_ > 0 && --attemptsBeforePlanning_ == 0)
+                return wantAt(position, Aid::kPlan);
             if (attempt(position)) return true;
         }
         return false;
@@ -187,49 +290,65 @@ private:
             if (outOfBudget()) return false;
             position = skipFrom(position);
             if (position == nullptr) return false;
+            if (oneWay_ == nullptr && plan_->matchLength <= 0 &&
+                ++candidates_ == kCandidatesBeforeOneWay)
+                return wantAt(position, Aid::kOneWay);
             if (attemptPlanned(position)) return true;
         }
         return false;
     }
 
+    /// Writes all matches, for patterns that need no attempts. False when this search has to go the
+    /// ordinary way. Each kind is read in a frame of its own, because these are large.
+    bool collectAll() {
+        if (pay_ != Pay::kUpperBound) return false;
+        StackGuard& stack = context_.stack;
+        const bool isLong = request_.length >= kLongText;
+        return collectPlainRuns() || (stack.hasRoom(sizeof(PlainLiterals)) && collectLiterals()) ||
+               (isLong && collectEnclosed()) ||
+               (isLong && stack.hasRoom(sizeof(CharacterSequence)) && collectSequences());
+    }
+
     /// The matches of a pattern that is a run of a set's bytes.
-    bool collectPlainRuns(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
+    [[gnu::noinline]] bool collectPlainRuns() {
         // Each byte outside the runs, each run and the end of the text cost a step.
-        const int length = static_cast<int>(context_.textEnd - start);
         ByteSet bytes;
-        if (context_.steps <= length || !isPlainRun(state_, context_.stack, bytes)) return false;
+        if (context_.steps <= request_.length || !isPlainRun(state_, context_.stack, bytes))
+            return false;
         int end = 0;
-        *written = kernels::collectRunsOf(start, length, bytes.words, results, capacity, &end);
+        *request_.count = kernels::collectRunsOf(request_.text, request_.length, bytes.words,
+                                                 request_.results, *request_.count, &end);
         return true;
     }
 
     /// Of a pattern that is a literal, or several to choose from.
-    bool collectLiterals(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
-        const ptrdiff_t length = context_.textEnd - start;
+    [[gnu::noinline]] bool collectLiterals() {
         PlainLiterals literals;
-        if (!context_.stack.hasRoom(sizeof literals) || !literals.read(state_)) return false;
-        if (context_.steps / literals.price() <= length) return false;
-        *written = literals.collect(start, context_.textEnd, results, capacity);
+        if (!literals.read(state_) || context_.steps / literals.price() <= request_.length)
+            return false;
+        *request_.count =
+            literals.collect(request_.text, context_.textEnd, request_.results, *request_.count);
         return true;
     }
 
     /// Of a pattern that is a run of bytes between literals.
-    bool collectEnclosed(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
+    [[gnu::noinline]] bool collectEnclosed() {
         EnclosedRun run;
-        if (context_.textEnd - start < kLongText || !run.read(state_, context_.stack)) return false;
-        const int count = run.collect(start, context_.textEnd, context_.steps, results, capacity);
+        if (!run.read(state_, context_.stack)) return false;
+        const int count = run.collect(request_.text, context_.textEnd, context_.steps,
+                                      request_.results, *request_.count);
         if (count < 0) return false;
-        *written = count;
+        *request_.count = count;
         return true;
     }
 
     /// Of a pattern that is a few characters in a row.
-    bool collectSequences(const Zel8u* start, ZelRegExpFind* results, int capacity, int* written) {
-        const ptrdiff_t length = context_.textEnd - start;
+    [[gnu::noinline]] bool collectSequences() {
         CharacterSequence sequence;
-        if (length < kLongText || !context_.stack.hasRoom(sizeof sequence)) return false;
-        if (!sequence.read(state_) || context_.steps / sequence.price() < length + 2) return false;
-        *written = sequence.collect(start, context_.textEnd, results, capacity);
+        if (!sequence.read(state_) || context_.steps / sequence.price() < request_.length + 2)
+            return false;
+        *request_.count =
+            sequence.collect(request_.text, context_.textEnd, request_.results, *request_.count);
         return true;
     }
 
@@ -253,7 +372,7 @@ private:
         const Zel8u* end = context_.textEnd;
         const Zel8u* position = start;
         for (;;) {
-            position = plan_.next(position, context_.textStart, end);
+            position = plan_->next(position, context_.textStart, end);
             if (context_.format != kFormatUtf8 || position >= end ||
                 characterBoundary(position, start, end) == position) {
                 break;
@@ -261,9 +380,9 @@ private:
             ++position;  // inside a character: no start position
         }
         if (position == start) return position;
-        if (!plan_.exact || context_.format == kFormatUtf8) guessed_ = true;
-        return context_.charge(plan_.bill(start, position, end, context_.steps)) ? position
-                                                                                 : nullptr;
+        if (!plan_->exact || context_.format == kFormatUtf8) guessed_ = true;
+        return context_.charge(plan_->bill(start, position, end, context_.steps)) ? position
+                                                                                  : nullptr;
     }
 
     /// A failed attempt leaves the captures as it found them, so once a search suffices.
@@ -288,16 +407,13 @@ private:
 
     /// One attempt, without the engine where the pattern allows it.
     bool attemptPlanned(const Zel8u* position) {
-        if (plan_.matchLength > 0 && position < context_.textEnd) {
-            context_.captures[0] = {position, plan_.matchLength};
+        if (plan_->matchLength > 0 && position < context_.textEnd) {
+            context_.captures[0] = {position, plan_->matchLength};
             guessed_ = true;
             return context_.charge(state_.nodeCount);
         }
-        if (!oneWay_.isKnown() && ++candidates_ == kCandidatesBeforeOneWay &&
-            makeOneWay(state_, context_.stack, oneWay_))
-            plan_.makeTriesCheap();
-        if (oneWay_.isKnown()) {
-            const OneWay::Outcome outcome = oneWay_.tryAt(position, context_);
+        if (oneWay_ != nullptr) {
+            const OneWay::Outcome outcome = oneWay_->tryAt(position, context_);
             guessed_ = true;
             if (outcome != OneWay::kNotKnown) return outcome == OneWay::kMatched;
         }
@@ -322,83 +438,31 @@ private:
         return false;
     }
 
+    const SearchRequest& request_;
     const ZelRegExpState& state_;
     const Pay pay_;
     int firstBar_ = -1;  // node of the first top-level bar, -1 until looked for
     Anchor anchor_ = Anchor::kNone;
     bool guessed_ = false;
-    int attemptsBeforePlanning_;  // 0: the plan has been made, or none is wanted
-    Plan plan_;
-    int candidates_ = 0;  // start positions that the plan did not reject
-    OneWay oneWay_;
+    int attemptsBeforePlanning_;      // 0: the plan has been made, or none is wanted
+    int candidates_ = 0;              // start positions that the plan did not reject
+    Aid wanted_ = Aid::kNone;         // why a stretch has ended in front of `position_`
+    bool found_ = false;              // the first match
+    int written_ = 0;                 // records of all matches
+    const Zel8u* position_;           // where the search goes on
+    const Zel8u* retryAt_ = nullptr;  // where an empty match was found and a longer one is wanted
+    Plan* plan_ = nullptr;
+    const OneWay* oneWay_ = nullptr;
     RegExpMatchContext context_;
 };
-
-ZelStatus findFirst(Search& search, const Zel8u* text, int numCaptures, ZelRegExpFind* pResult,
-                    int* pNumFind) {
-    const int capacity = *pNumFind < numCaptures ? *pNumFind : numCaptures;
-    if (search.findFrom(text)) {
-        copyRecords(search.captures(), capacity, pResult);
-        *pNumFind = capacity;
-        return zelStatusOk;
-    }
-    *pNumFind = search.outOfBudget() ? capacity : 0;
-    return search.outOfBudget() ? zelStatusRegExpMatchLimitError : zelStatusOk;
-}
-
-ZelStatus findAll(Search& search, const Zel8u* text, int numCaptures, bool wholeMatchToo,
-                  ZelRegExpFind* pResult, int* pNumFind) {
-    const int firstSlot = !wholeMatchToo && numCaptures > 1 ? 1 : 0;
-    const int recordsPerMatch = numCaptures - firstSlot;
-    const int lastFit = *pNumFind - recordsPerMatch;
-    const Zel8u* position = text;
-    const Zel8u* retryAt = nullptr;  // where an empty match was found and a longer one is wanted
-    int written = 0;
-    if (recordsPerMatch == 1 && lastFit >= 0 &&
-        search.collectAll(text, pResult, *pNumFind, pNumFind)) {
-        return zelStatusOk;
-    }
-    bool found = true;
-    while (written <= lastFit) {
-        if (retryAt != nullptr) {
-            found = search.findNonEmptyAt(retryAt);
-            if (!found) position = search.advance(retryAt);
-            retryAt = nullptr;
-            if (!found && !search.outOfBudget()) continue;
-        } else {
-            found = search.findFrom(position);
-        }
-        if (!found) break;
-        copyRecords(search.captures() + firstSlot, recordsPerMatch, pResult + written);
-        written += recordsPerMatch;
-        if (search.outOfBudget()) break;
-        const CaptureRecord& whole = search.captures()[0];
-        position = whole.text + whole.length;
-        if (whole.length <= 0) {
-            position = whole.text;
-            if (position < search.textEnd()) {
-                retryAt = position;
-            } else {
-                position = search.advance(position);
-            }
-        }
-    }
-    *pNumFind = written;
-    return search.outOfBudget() ? zelStatusRegExpMatchLimitError : zelStatusOk;
-}
 
 /// The whole search, by the engine, of a narrowed text. Not inlined, because its frame is large.
 [[gnu::noinline]] ZelStatus searchThrough(const SearchRequest& request) {
     const int capacity = *request.count;
-    const ZelRegExpState& state = request.state;
     for (const Pay pay : {Pay::kUpperBound, Pay::kExactly}) {
-        Search search(request.work, request.text, request.length, state, pay);
+        Search search(request, pay);
         *request.count = capacity;
-        const ZelStatus status =
-            (state.options & kOptionGlobal) != 0
-                ? findAll(search, request.text, state.groupCount, request.wholeMatchToo,
-                          request.results, request.count)
-                : findFirst(search, request.text, state.groupCount, request.results, request.count);
+        const ZelStatus status = search.run();
         if (!search.endedTooEarly()) return status;
     }
     return zelStatusRegExpMatchLimitError;

@@ -100,6 +100,16 @@ bool Planner::addAsciiBytes(int index, Zel32u flags, ByteSet& bytes) const {
     return true;
 }
 
+/// Of the nodes in front of `end`. Not inlined, so that the room is not taken before anybody asks
+/// for it.
+[[gnu::noinline]] bool Planner::billHopelessRuns(
+    int end, int64_t (&bills)[HopelessRun::kLongest + 1]) const {
+    HopelessRun run;
+    Builder builder(nodes_, run, stack_);
+    const int first = builder.sequence(0, end, run.addEnd());
+    return !builder.failed() && run.bill(first, bills);
+}
+
 bool Planner::planRequired(Zel32u flags, Plan& plan) const {
     ByteSet taken = {};
     ByteSet required = {};
@@ -128,10 +138,7 @@ bool Planner::planRequired(Zel32u flags, Plan& plan) const {
     constexpr int kMaxNodes = 64;
     if (index >= count_ || index > kMaxNodes || !stack_.hasRoom(sizeof(HopelessRun))) return false;
     if (!disjoint(required, plan.first)) return false;  // there need not be a run in front
-    HopelessRun run;
-    Builder builder(nodes_, run, stack_);
-    const int first = builder.sequence(0, index, run.addEnd());
-    if (builder.failed() || !run.bill(first, plan.bills)) return false;
+    if (!billHopelessRuns(index, plan.bills)) return false;
     if (plan.bills[16] - plan.bills[15] < kWorthwhile) return false;
     plan.kind = Plan::kRequired;
     plan.first = taken;

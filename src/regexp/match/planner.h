@@ -116,6 +116,7 @@ private:
     // plan_required.cpp
     /// plan.first holds what a match can begin with.
     bool planRequired(Zel32u flags, Plan& plan) const;
+    bool billHopelessRuns(int end, int64_t (&bills)[HopelessRun::kLongest + 1]) const;
     bool addAsciiBytes(int index, Zel32u flags, ByteSet& bytes) const;
 
     // one_way_plan.cpp

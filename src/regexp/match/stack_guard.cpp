@@ -54,18 +54,21 @@ void StackGuard::start() {
     reach_ = kNear;
 }
 
-bool StackGuard::extend(const char* here) {
+bool StackGuard::extend(const char* here, size_t bytes) {
+    const char* const deepest = here - bytes;
     if (reach_ == kNear) {
         reach_ = kNearOnMain;
         if (onMainStack(here)) limit_ -= kNearMain - kNearThread;
-        if (here > limit_) return true;
+        if (deepest > limit_) return true;
     }
     if (reach_ == kNearOnMain) {
         reach_ = kAll;
         const char* end = onMainStack(here) ? endOfMainStack() : endOfThreadStack(here);
-        limit_ = end + kMargin;
+        // What has been granted stays granted: there may be too little room for what is wanted
+        // now, and enough for all else.
+        if (end + kMargin < limit_) limit_ = end + kMargin;
     }
-    return here > limit_;
+    return deepest > limit_;
 }
 
 }  // namespace zel
