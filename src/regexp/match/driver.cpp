@@ -548,7 +548,8 @@ ZelStatus ownsRegExpFind_8u(const Zel8u* pSrc, int srcLen, ZelRegExpState* pRegE
 
 }  // namespace zel
 
-extern "C" ZelStatus zelsRegExpFind_8u(const Zel8u* pSrc, int srcLen, ZelRegExpState* pRegExpState,
-                                       ZelRegExpFind* pResult, int* pNumFind) {
+extern "C" [[gnu::aligned(64)]] ZelStatus zelsRegExpFind_8u(const Zel8u* pSrc, int srcLen,
+                                                            ZelRegExpState* pRegExpState,
+                                                            ZelRegExpFind* pResult, int* pNumFind) {
     return zel::ownsRegExpFind_8u(pSrc, srcLen, pRegExpState, pResult, pNumFind, 0);
 }
