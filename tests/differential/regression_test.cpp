@@ -32,6 +32,9 @@ const RegexpCase regexpCases[] = {
     // where the search has been at it for some lines and no longer asks the engine.
     {"x.+b\\d?", "", 0, 10000, "xq\nxq\nxq\nxq\nxq\nxq\nxq\nxq\nxq\nxq\nxq\nxq\nxqb\303\251q\n", 0,
      16},
+    // The text that is narrowed to the last place of the literal ends within a character.
+    {"\204", "g", 1, 10000, "\342\204\252", 0, 16},
+    {"\204\252", "gi", 1, 10000, "a\360\237\204\252\200", 0, 16},
 };
 
 const ReplaceCase replaceCases[] = {

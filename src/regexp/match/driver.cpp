@@ -53,10 +53,12 @@ int lengthToTrailingLiteral(const Zel8u* text, int length, const ZelRegExpState&
 }
 
 /// Whether the search reads on for the literal that the pattern consists of, up to the end, and so
-/// does by itself what narrowing would do for it. It costs one step a position.
+/// does by itself what narrowing would do for it. It costs one step a position. A literal that may
+/// stand within a character is another matter: where narrowing cuts that character, it is found.
 bool findsAllOfOneLiteral(const ZelRegExpState& state, int length) {
+    kernels::Literal literal;
     return state.nodeCount == 1 && (state.options & kOptionGlobal) != 0 &&
-           state.matchLimit > length;
+           state.matchLimit > length && readLiteral(state.nodes()[0], state.format, literal);
 }
 
 int narrowedLength(const Zel8u* text, int length, const ZelRegExpState& state) {
