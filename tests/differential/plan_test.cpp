@@ -349,15 +349,18 @@ TEST(EnclosedRun, AnswersWithinTheBudgetWhereItIsDearest) {
                  {"x[a-z]*?x", run}};
     onDeepStack([&cases] {
         for (const auto& dear : cases) {
-            const RegexpCase testCase = {.pattern = dear.pattern,
-                                         .options = "gm",
-                                         .format = zel::kFormatBytes,
-                                         .limit = INT_MAX,
-                                         .subject = dear.subject,
-                                         .behind = 'a',
-                                         .records = 4};
             EXPECT_TRUE(isEnclosedRun(dear.pattern, "gm", zel::kFormatBytes));
-            EXPECT_EQ(compare(testCase), "") << testCase.text();
+            for (const int limit :
+                 {301, 302, 400, 500, 599, 600, 601, 602, 603, 700, 900, INT_MAX}) {
+                const RegexpCase testCase = {.pattern = dear.pattern,
+                                             .options = "gm",
+                                             .format = zel::kFormatBytes,
+                                             .limit = limit,
+                                             .subject = dear.subject,
+                                             .behind = 'a',
+                                             .records = 4};
+                EXPECT_EQ(compare(testCase), "") << testCase.text();
+            }
         }
     });
 }
@@ -459,6 +462,28 @@ TEST(PlainLiterals, SearchesAgreeWithTheModel) {
     onDeepStack([] {
         for (const PlainLiteralCase& plain : kPlainLiterals) {
             compareOnTexts(plain.pattern, plain.options, kTexts);
+        }
+    });
+}
+
+// What stands behind the last place of a literal costs no step, which shows at the limits that
+// suffice up to there but not for the whole text.
+TEST(PlainLiterals, EveryLimitUpToTheTextsLengthAgreesWithTheModel) {
+    const std::string subject = "signal, Signal, sign and signal; nothing else";
+    onDeepStack([&subject] {
+        for (const char* options : {"", "g", "i", "gi"}) {
+            for (const char* pattern : {"signal", "signal,", "absent", "error|signal"}) {
+                for (int limit = 0; limit < static_cast<int>(subject.size()) + 4; ++limit) {
+                    const RegexpCase testCase = {.pattern = pattern,
+                                                 .options = options,
+                                                 .format = zel::kFormatBytes,
+                                                 .limit = limit,
+                                                 .subject = subject,
+                                                 .behind = 'a',
+                                                 .records = 4};
+                    ASSERT_EQ(compare(testCase), "") << testCase.text();
+                }
+            }
         }
     });
 }

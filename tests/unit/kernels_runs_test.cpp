@@ -349,6 +349,37 @@ TEST(LiteralKernels, CollectLiterals_OfTextBeyondTheNearCaches) {
     }
 }
 
+// What a literal begins with is compared apart from the rest of it.
+TEST(LiteralKernels, CollectLiterals_EachByteOfALongLiteralCounts) {
+    std::mt19937 random(18);
+    for (const int size : {15, 16, 17, 31, 32, 33, 63, 64, 65, 66, 127, 128, 129}) {
+        std::string literal;
+        while (static_cast<int>(literal.size()) < size)
+            literal.push_back(static_cast<char>('a' + random() % 26));
+        for (const bool ignoreCase : {false, true}) {
+            std::string again = literal;
+            if (ignoreCase) again[random() % again.size()] ^= 0x20;
+            zel::kernels::LiteralSet set;
+            set.count = 1;
+            set.ignoreCase = ignoreCase;
+            set.literals[0] = {reinterpret_cast<const Zel8u*>(literal.data()), size};
+            for (int wrong = 0; wrong < size; ++wrong) {
+                std::string other = literal;
+                other[static_cast<size_t>(wrong)] = '#';
+                const std::string subject = other + literal + other + again + other;
+                const auto* const text = reinterpret_cast<const Zel8u*>(subject.data());
+                FOR_EACH_INSTANCE({
+                    ZelRegExpFind found[5];
+                    ASSERT_EQ((collectLiterals)(text, 5 * size, &set, found, 5), 2)
+                        << size << " but for " << wrong;
+                    ASSERT_EQ(found[0].pMatch - text, size);
+                    ASSERT_EQ(found[1].pMatch - text, 3 * size);
+                });
+            }
+        }
+    }
+}
+
 // Literals of the texts' letters, so that they overlap and begin alike, and a long one now and
 // then.
 std::vector<std::string> someLiterals(std::mt19937& random) {

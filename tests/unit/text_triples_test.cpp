@@ -89,6 +89,8 @@ const std::vector<std::string> kPatterns = {
     "needle (?:hay ){1,3}needl",
     "^needle (\\d+) hay$",
     "\\w{1,9}\\w{1,9}\\w{1,9}needle\\d",
+    "\\w{2,5}needle\\d",
+    "\\w{1,3}\\w{1,3}needle\\d",
     ".*needle\\d",
     ".+needle|hay",
     "\\p{Ll}+needle",
