@@ -3,9 +3,9 @@
 //
 //   text of the literals | RequiredText | LightProgram
 //
-// Each may be missing. Literal text holds no zero byte and notes begin with one, which leads to
-// them; the byte behind it says what the note is, and is zero behind the last. Nothing in a note is
-// an address: an object may be copied.
+// Each note may be missing. Literal text holds no zero byte and notes begin with one, which leads
+// to them; the byte behind it says what the note is. Where there is no light program, two zeros
+// stand in its place. Nothing in a note is an address: an object may be copied.
 #pragma once
 
 #include <emmintrin.h>

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "regexp_support.h"
+#include "test_support.h"
 
 namespace {
 
@@ -201,6 +202,57 @@ TEST(TextTriples, ACopyOfAPatternIsRejectedAsWell) {
     const auto* state = reinterpret_cast<const ZelRegExpState*>(copy.data());
     const TextTriples triples(bytes("hay"), 3, kMany);
     EXPECT_TRUE(triples.surelyExclude(*state));
+}
+
+// As little room behind the literals as there can be: nothing behind the object is read.
+TEST(TextTriples, ANoteIsLookedForWithinTheObject) {
+    test::GuardedPages pages(1 << 16);
+    ASSERT_TRUE(pages.available());
+    for (const char* expression : {"",
+                                   ".",
+                                   "a",
+                                   "ab",
+                                   "abc",
+                                   ".*",
+                                   ".*a",
+                                   ".*ab",
+                                   ".*abc",
+                                   ".+ab.",
+                                   ".*ab[a]",
+                                   ".*ab^$",
+                                   "(?:.*)",
+                                   "(?:.*)abc",
+                                   "^",
+                                   "^ab",
+                                   "^abc",
+                                   "^$^$^$",
+                                   "^a.b.c",
+                                   "a.b.c",
+                                   "ab.cd",
+                                   "abcdefghijklmno",
+                                   "abcdefghijklmnop",
+                                   "^abcdefghijklmno",
+                                   ".*abcdefghijklmnop",
+                                   "[abc]",
+                                   "a|abc"}) {
+        int size = 0;
+        int offset = 0;
+        ASSERT_EQ(zelsRegExpGetSize(expression, &size), zelStatusOk);
+        auto* const state = reinterpret_cast<ZelRegExpState*>(pages.end() - size);
+        // What lies behind the nodes before is not a note.
+        for (int leftOver : {0, RequiredText::kMark + 0, 0xFF}) {
+            memset(pages.end() - size, leftOver, static_cast<size_t>(size));
+            ASSERT_EQ(zelsRegExpInit(expression, "", state, &offset), zelStatusOk);
+            const RequiredText* const note = findRequiredText(*state);
+            const std::string text = expression;
+            EXPECT_EQ(note != nullptr, text.find("abc") != text.npos && text.back() != ']' &&
+                                           text[0] != '(' && text[1] != '|')
+                << expression;
+            ZelRegExpFind match;
+            int count = 1;
+            EXPECT_EQ(zelsRegExpFind_8u(bytes("xyz"), 3, state, &match, &count), zelStatusOk);
+        }
+    }
 }
 
 TEST(TextTriples, NothingIsKnownOfALongText) {

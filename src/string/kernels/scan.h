@@ -93,11 +93,6 @@ ZEL_INLINE int firstHit(const T* src, int len, const Test& test) {
     return findHit<From::Start>(src, len, test);
 }
 
-template <typename T, typename Test>
-ZEL_INLINE int lastHit(const T* src, int len, const Test& test) {
-    return findHit<From::End>(src, len, test);
-}
-
 /// The usual test: one vector a block, accepted where it equals one of N values.
 template <typename T, int N>
 struct EqualsAnyOf {
