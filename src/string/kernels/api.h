@@ -215,8 +215,8 @@ void zeroBytes(Zel8u* dst, ptrdiff_t n);
 // clang-format off
 #define ZEL_KERNELS(X)                                                                            \
     X(findByte) X(findByteRev) X(findByte2) X(findByte3) X(findByteIn) X(findByteNotIn)           \
-    X(findBytes) X(findBytesIgnoreCaseRev) X(gatherBytes)                                          \
-    X(gatherBytesFolded) X(gatherBytesIn) X(gatherShapes) X(gatherPairsIn) X(gatherDoubled)       \
-    X(gatherPrefixes) X(boundRuns) X(collectRunsOf) X(collectLiterals) X(collectEnclosedRuns)     \
-    X(collectCharacters) X(maskAscii) X(copyBytes) X(zeroBytes)
+    X(findBytes) X(findBytesIgnoreCaseRev) X(gatherBytes) X(gatherBytesFolded) X(gatherBytesIn)   \
+    X(gatherShapes) X(gatherPairsIn) X(gatherDoubled) X(gatherPrefixes) X(boundRuns)              \
+    X(collectRunsOf) X(collectLiterals) X(collectEnclosedRuns) X(collectCharacters) X(maskAscii)  \
+    X(copyBytes) X(zeroBytes)
 // clang-format on

@@ -163,8 +163,8 @@ public:
           caseBits_(V::zero()),
           folded_(V::loadFirst(literal.text, head_)) {
         if constexpr (ignoreCase) {
-            caseBits_ = ToLowerLatin{}(folded_) ^ ToUpperLatin {}(folded_);
-            folded_ = folded_ | caseBits_;
+            folded_ = ToLowerLatin{}(folded_);
+            caseBits_ = ToUpperLatin{}(folded_) ^ folded_;
         }
     }
     /// Its length if it stands at p, else 0.
