@@ -185,6 +185,27 @@ TYPED_TEST(Hash, MSCS_NothingIsReadBehindTheZero) {
     }
 }
 
+// Two of the three store 0 as soon as the arguments are in order, which shows in a text that holds
+// the result. Of bytes only, because elements of 16 bits cannot be part of a number of 32.
+TEST(HashInItsText, HashAndSJ2ReadTheZeroThatTheyStored) {
+    Random random(29);
+    for (int len = 4; len <= 300; ++len) {
+        const auto bytes = random.text<Zel8u>(len);
+        auto zeroed = bytes;
+        std::fill_n(zeroed.begin(), sizeof(Zel32u), Zel8u{0});
+        std::vector<Zel32u> words(static_cast<size_t>(len) / sizeof(Zel32u) + 1);
+        auto* const src = reinterpret_cast<Zel8u*>(words.data());
+        const auto inItsText = [&](Member<Zel8u> member) {
+            std::copy(bytes.begin(), bytes.end(), src);
+            EXPECT_EQ(member(src, len, words.data()), zelStatusOk);
+            return words[0];
+        };
+        ASSERT_EQ(inItsText(zelsHash_8u32u), expectedHash(zeroed)) << len;
+        ASSERT_EQ(inItsText(zelsHashSJ2_8u32u), expectedSJ2(zeroed)) << len;
+        ASSERT_EQ(inItsText(zelsHashMSCS_8u32u), expectedMSCS(bytes)) << len;
+    }
+}
+
 TEST(HashWidths, BothWidthsGiveTheSameForTheSameValues) {
     Random random(23);
     for (int len = 0; len < 200; ++len) {

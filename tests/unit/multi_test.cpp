@@ -565,6 +565,31 @@ TEST_F(MultiFind, ReportsAFailingSearchInItsRecordOnly) {
     }
 }
 
+TEST_F(MultiFind, ChecksARecordAndAPatternThatTheTextExcludes) {
+    const Set set(8);
+    std::vector<std::unique_ptr<Pattern>> patterns;
+    for (Zel32u id = 1; id <= 8; ++id) {
+        patterns.push_back(std::make_unique<Pattern>("absent", ""));
+        ASSERT_EQ(zelsRegExpMultiAdd(patterns.back()->get(), id, set.get()), zelStatusOk);
+    }
+    Results results(8);
+    results[1].numFind = 0;
+    results[2].pFind = nullptr;
+    patterns[3]->get()->magic ^= 1;
+    ASSERT_EQ(zelsRegExpMultiFind_8u(bytes(shortText_), 100, results.get(), set.get()),
+              zelStatusOk);
+    EXPECT_EQ(results[1].status, zelStatusSizeError);
+    EXPECT_EQ(results[1].numFind, 0);
+    EXPECT_EQ(results[2].status, zelStatusNullPointer);
+    EXPECT_EQ(results[2].numFind, kRoom);
+    EXPECT_EQ(results[3].status, zelStatusContextMatchError);
+    EXPECT_EQ(results[3].numFind, kRoom);
+    for (int i : {0, 4, 5, 6, 7}) {
+        EXPECT_EQ(results[i].status, zelStatusOk);
+        EXPECT_EQ(results[i].numFind, 0);
+    }
+}
+
 TEST_F(MultiFind, OnePatternInEverySlotGivesEverySlotItsRecords) {
     const Pattern pattern("(\\w+) for (\\w+)", "g");
     const Outcome alone = searchAlone(longText_, pattern.get());
