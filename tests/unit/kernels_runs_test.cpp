@@ -349,6 +349,33 @@ TEST(LiteralKernels, CollectLiterals_OfTextBeyondTheNearCaches) {
     }
 }
 
+// After a stretch without any place to look at, text is passed over in another way.
+TEST(LiteralKernels, CollectLiterals_BehindQuietText) {
+    const std::string literal = "needle";
+    zel::kernels::LiteralSet set;
+    set.count = 1;
+    set.literals[0] = {reinterpret_cast<const Zel8u*>(literal.data()), 6};
+    for (int gap = 4000; gap < 13'000; gap += 1 + gap % 3) {
+        // The last one stands at the very end, or one byte of it behind that.
+        std::string subject = literal + std::string(static_cast<size_t>(gap), '.') + literal;
+        subject += std::string(static_cast<size_t>(gap % 300), '.') + literal;
+        set.ignoreCase = gap % 2 != 0;
+        if (set.ignoreCase) subject[6 + static_cast<size_t>(gap)] = 'N';
+        const std::vector<Zel8u> exact(subject.begin(), subject.end() - gap % 5 / 4);
+        FOR_EACH_INSTANCE({
+            ZelRegExpFind found[4];
+            const int count =
+                (collectLiterals)(exact.data(), static_cast<int>(exact.size()), &set, found, 4);
+            ASSERT_EQ(count, gap % 5 == 4 ? 2 : 3) << gap;
+            ASSERT_EQ(found[0].pMatch - exact.data(), 0);
+            ASSERT_EQ(found[1].pMatch - exact.data(), gap + 6);
+            if (count == 3) {
+                ASSERT_EQ(found[2].pMatch - exact.data(), gap + 12 + gap % 300);
+            }
+        });
+    }
+}
+
 // What a literal begins with is compared apart from the rest of it.
 TEST(LiteralKernels, CollectLiterals_EachByteOfALongLiteralCounts) {
     std::mt19937 random(18);

@@ -43,56 +43,95 @@ ZEL_INLINE Zel16u* writePlaces(uint64_t bits, int base, Zel16u* out) {
     return end;
 }
 
-/// Blocks of positions looked at before the places in them are: so many that it does not count that
-/// the end of a loop cannot be guessed.
-inline constexpr int kBatchBlocks = 64;
-
-/// Asks for text this far ahead of where it is looked at. The processor does so by itself only
-/// while it is not held up by wrong guesses. Behind the end of the text nothing comes of it.
+/// Asks for text that far ahead of where it is looked at. Behind the end of the text nothing comes
+/// of it.
+template <int kDistance>
 ZEL_INLINE void prefetchText(const Zel8u* block) {
-    constexpr int kAhead = 1024;
-    __builtin_prefetch(block + kAhead);
+    __builtin_prefetch(block + kDistance);
 }
 
 /// Where a match may start, `starts` says: after starts.begin(p, left), of the blocks from p on, of
 /// which `left` positions count, starts.likely(p, n) gives bits for the first n of the 64 positions
-/// at p, one block after the other, and starts.refine(p, left, bits) those of them to look at. What
-/// it reads first of a position is starts.ahead behind it. `lengthAt(p)` is the length of the match
-/// at p, or 0.
+/// at p, one block after the other, and starts.refine(p, left, bits) those of them to look at,
+/// which pays where there are many. What it reads first of a position is starts.ahead behind it.
+///
+/// This goes on from where `starts` is, passes over blocks, two at a time, while they have none,
+/// and answers where it stopped. Nothing is stored meanwhile and nothing guessed wrong, so that the
+/// processor reads ahead by itself and far text comes as fast as it can be had. It is asked for
+/// only a little ahead: the processor's own reading ends with each page.
+template <typename Starts>
+ZEL_INLINE ptrdiff_t passQuietText(const Zel8u* p, ptrdiff_t from, ptrdiff_t positions,
+                                   Starts& starts) {
+    constexpr int kBlocks = 2;
+    constexpr int kAhead = 192;
+    for (; positions - from >= kBlocks * kMaskBits; from += kBlocks * kMaskBits) {
+        uint64_t any = 0;
+        for (int i = 0; i < kBlocks; ++i) {
+            const Zel8u* const block = p + from + i * kMaskBits;
+            prefetchText<kAhead>(block + starts.ahead);
+            any |= starts.likely(block, kMaskBits);
+        }
+        if (any != 0) break;
+    }
+    return from;
+}
+
+/// The matches from left to right. `lengthAt(p)` is the length of the match at p, or 0.
 template <typename Starts, typename LengthAt>
 ZEL_INLINE int collectMatches(const Zel8u* p, ptrdiff_t positions, Starts starts,
                               const LengthAt& lengthAt, ZelRegExpFind* matches, int capacity) {
-    constexpr ptrdiff_t kBatch = kMaskBits * kBatchBlocks;
+    // Blocks of positions looked at before the places in them are: so many that it does not count
+    // that the end of a loop cannot be guessed, and no more than there are bits in a word.
+    constexpr int kBlocks = 64;
+    constexpr ptrdiff_t kBatch = kMaskBits * kBlocks;
+    constexpr int kMany = kBlocks / 4;  // blocks with likely starts, to be refined
+    // The processor does not read ahead while it is held up by wrong guesses.
+    constexpr int kAhead = 2048;
     constexpr int kRoom = 1024;  // for places
-    uint64_t bits[kBatchBlocks];
-    Zel16u block[kBatchBlocks];
+    uint64_t likely[kBlocks];
     Zel16u places[kRoom + kSpare];
     int count = 0;
     const Zel8u* behind = p;  // the last match
     ptrdiff_t from = 0;
     // The first batch ends with a cache line that is read, so that all others begin with one.
     ptrdiff_t size = kBatch - kMaskBits + toBoundary(p + starts.ahead);
-    for (; from < positions; from += size, size = kBatch) {
+    while (from < positions) {
         const Zel8u* const batch = p + from;
         const ptrdiff_t left = positions - from < size ? positions - from : size;
-        // First the blocks that have any, which cannot be guessed, then the places in these.
+        // First the blocks that have any, which cannot be guessed, a bit for each, the first one's
+        // highest; then the places in these.
+        uint64_t filled = 0;
         int blocks = 0;
-        const auto look = [&](ptrdiff_t at, int n) {
-            prefetchText(batch + starts.ahead + at);
-            bits[blocks] = starts.likely(batch + at, n);
-            block[blocks] = static_cast<Zel16u>(at);
-            blocks += bits[blocks] != 0;
+        const auto look = [&](const Zel8u* block, int n) {
+            likely[blocks] = starts.likely(block, n);
+            filled = filled + filled + (likely[blocks] != 0);
+            ++blocks;
         };
         starts.begin(batch, left);
         ptrdiff_t at = 0;
-        for (; left - at >= kMaskBits; at += kMaskBits) look(at, kMaskBits);
-        if (at < left) look(at, static_cast<int>(left - at));
-        for (int i = 0; i < blocks;) {
+        for (; left - at >= kMaskBits; at += kMaskBits) {
+            prefetchText<kAhead>(batch + starts.ahead + at);
+            look(batch + at, kMaskBits);
+        }
+        if (at < left) look(batch + at, static_cast<int>(left - at));
+        from += size;
+        size = kBatch;
+        if (filled == 0) {
+            from = passQuietText(p, from, positions, starts);
+            continue;
+        }
+        const bool areMany = __builtin_popcountll(filled) > kMany;
+        filled <<= kBlocks - blocks;
+        while (filled != 0) {
             Zel16u* end = places;
             do {
-                const int base = block[i];
-                end = writePlaces(starts.refine(batch + base, left - base, bits[i]), base, end);
-            } while (++i < blocks && end <= places + kRoom - kMaskBits);
+                const int i = countLeadingZeros(filled);
+                const int base = i * kMaskBits;
+                filled &= ~(uint64_t{1} << (kBlocks - 1) >> i);
+                const uint64_t bits =
+                    areMany ? starts.refine(batch + base, left - base, likely[i]) : likely[i];
+                end = writePlaces(bits, base, end);
+            } while (filled != 0 && end <= places + kRoom - kMaskBits);
             for (const Zel16u* place = places; place < end; ++place) {
                 // Whether there is a match cannot be guessed either: a record is written anyway.
                 const Zel8u* const start = batch + *place;
