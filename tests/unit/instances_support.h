@@ -42,6 +42,13 @@ struct Instance {
     ZEL_FAMILY(FindCAny)
     ZEL_FAMILY(FindRevCAny)
 #undef ZEL_FAMILY
+    template <typename T>
+    auto SplitC() const {
+        if constexpr (sizeof(T) == 1)
+            return zelsSplitC_8u_D2L;
+        else
+            return zelsSplitC_16u_D2L;
+    }
 };
 
 #define ZEL_SSE2(function) sse2::function,

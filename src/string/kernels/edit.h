@@ -173,6 +173,94 @@ ZEL_INLINE T* joinElements(Vec<T> delims, T delim, const T* piece, int len, T* d
     return dst + 1 + len;
 }
 
+ZEL_INLINE int least(int a, int b) {
+    return a < b ? a : b;
+}
+
+/// Copies src up to the first delimiter, at most `room` elements of it, and answers where the
+/// delimiter is, or len. What is copied is looked at on the way: that is one loop whose end cannot
+/// be guessed instead of two.
+template <typename T>
+ZEL_INLINE int copyToDelimiter(const T* src, int len, const EqualsAnyOf<T, 1>& delim, T* dst,
+                               int room) {
+    using V = Vec<T>;
+    constexpr int k = V::kLanes;
+    const auto searchThenCopy = [&](ptrdiff_t at) __attribute__((always_inline)) {
+        const int left = static_cast<int>(len - at);
+        const int found = firstHit(src + at, left, delim);
+        const int token = static_cast<int>(at) + (found == kNotFound ? left : found);
+        copyElements(src + at, dst + at, least(token, room) - at);
+        return token;
+    };
+    if (!areDisjoint(src, static_cast<size_t>(len), dst, static_cast<size_t>(room))) [[unlikely]]
+        return searchThenCopy(0);
+
+    ptrdiff_t at = 0;
+    V a = V::zero();
+    V b = V::zero();
+    Mask<T> inA{0};
+    Mask<T> inB{0};
+    const auto endsHere = [&]() __attribute__((always_inline)) {
+        a = V::load(src + at);
+        b = V::load(src + at + k);
+        inA = delim.maskOf(a);
+        inB = delim.maskOf(b);
+        return inA.any() || inB.any();
+    };
+    const ptrdiff_t last = ptrdiff_t{least(len, room)} - 2 * k;
+    bool ends = false;
+    if (last >= 0 && !(ends = endsHere())) {
+        a.store(dst);
+        b.store(dst + k);
+        // From now on by whole vectors of the destination.
+        for (at = k + toBoundary(dst); at <= last && !(ends = endsHere()); at += 2 * k) {
+            a.store(dst + at);
+            b.store(dst + at + k);
+        }
+    }
+    // The token may be as long as its room.
+    if (!ends && (len - at < 2 * k || !endsHere())) return searchThenCopy(at);
+    // In which of the two it ends cannot be guessed.
+    const int ofA = least(countTrailingZeros(inA.bits) / Mask<T>::kStep, k);
+    const int ofB = least(countTrailingZeros(inB.bits) / Mask<T>::kStep, k);
+    const int end = ofA + (ofB & -int{ofA == k});
+    const int copied = least(end, room - static_cast<int>(at));
+    a.storeFirst(dst + at, least(copied, k));
+    b.storeFirst(dst + at + k, copied - least(copied, k));
+    return static_cast<int>(at) + end;
+}
+
+struct LongTokens {
+    ptrdiff_t end;  // of the text they and their delimiters are; may be one behind the text's end
+    int count;
+    bool isCutShort;  // one of them
+};
+
+/// Copies the first token of src, which is a long one and has a slot, and those behind it while
+/// they are long and have one that is in order.
+template <typename T>
+[[gnu::noinline]] LongTokens copyLongTokens(const T* src, ptrdiff_t len, T delim, T* const* slots,
+                                            int* slotLens, int slotCount) {
+    constexpr int kLong = 256;
+    const auto test = EqualsAnyOf<T, 1>::of(&delim);
+    ptrdiff_t end = 0;
+    ptrdiff_t i = 0;
+    bool isCutShort = false;
+    T* slot = slots[0];
+    int room = slotLens[0];
+    int token;
+    do {
+        token = copyToDelimiter(src + end, static_cast<int>(len - end), test, slot, room);
+        isCutShort |= token > room;
+        slotLens[i] = least(token, room);
+        end += ptrdiff_t{token} + 1;
+        if (++i == slotCount || end >= len) break;
+        slot = slots[i];
+        room = slotLens[i];
+    } while (token >= kLong && slot != nullptr && room >= 0);
+    return {end, static_cast<int>(i), isCutShort};
+}
+
 /// The delimiters of a text, one after the other: the places of those in the 64 lanes' bits that
 /// are being walked, and where their block begins.
 template <typename T>
@@ -183,28 +271,23 @@ public:
         places_ = placesAt(0);
     }
 
-    /// Position of the next one, or the length when there is none.
-    ZEL_INLINE int next() {
-        if (places_ == 0) [[unlikely]] {
-            base_ += kBlock;
-            if (base_ >= len_) return len_;
-            places_ = placesAt(base_);
-            if (places_ == 0) {
-                // Tokens are long here: search for the next one, and walk on from it.
-                base_ += kBlock;
-                if (base_ >= len_) return len_;
-                const int found = firstHit(src_ + base_, static_cast<int>(len_ - base_), delim_);
-                if (found == kNotFound) {
-                    base_ = len_;
-                    return len_;
-                }
-                base_ += found;
-                places_ = placesAt(base_);
-            }
-        }
+    /// Whether the next one is in the block being walked or the two behind, or the end of the text
+    /// is, which counts as one. If not, goTo must follow.
+    ZEL_INLINE bool isNear() {
+        if (places_ != 0) [[likely]]
+            return true;
+        return isInNextBlock() || isInNextBlock();
+    }
+    /// Position of the next one, which is near.
+    ZEL_INLINE int take() {
         const int at = static_cast<int>(base_) + countTrailingZeros(places_) / Mask<T>::kStep;
         places_ &= places_ - 1;
         return at;
+    }
+    /// Goes on from there, which may be the end or behind it.
+    ZEL_INLINE void goTo(ptrdiff_t at) {
+        base_ = at - kBlock;
+        places_ = 0;
     }
 
 private:
@@ -213,6 +296,16 @@ private:
     static constexpr int kVectors = 64 / (kLanes * Mask<T>::kStep);
     static constexpr ptrdiff_t kBlock = kVectors * kLanes;
 
+    ZEL_INLINE bool isInNextBlock() {
+        base_ += kBlock;
+        if (base_ >= len_) {
+            // No bit is the one behind the block: let that be the end.
+            base_ = len_ - kBlock;
+            return true;
+        }
+        places_ = placesAt(base_);
+        return places_ != 0;
+    }
     ZEL_INLINE uint64_t placesAt(ptrdiff_t at) const {
         const T* const block = src_ + at;
         const ptrdiff_t left = len_ - at;
@@ -245,25 +338,38 @@ private:
 template <typename T>
 ZEL_INLINE ZelStatus splitElements(const T* src, int len, T delim, T* const* slots, int* slotLens,
                                    int* numSlots) {
-    const int slotCount = *numSlots;
     Delimiters<T> delimiters(src, len, delim);
     ZelStatus status = zelStatusOk;
     ptrdiff_t pos = 0;
-    int i = 0;
-    for (; i < slotCount && pos < len; ++i) {
-        if (slots[i] == nullptr) return zelStatusNullPointer;
-        const int room = slotLens[i];
+    int left = *numSlots;
+    while (left > 0 && pos < len) {
+        if (*slots == nullptr) return zelStatusNullPointer;
+        const int room = *slotLens;
         if (room < 0) return zelStatusLengthError;
-        const int end = delimiters.next();
+        if (!delimiters.isNear()) [[unlikely]] {
+            const LongTokens tokens =
+                copyLongTokens(src + pos, len - pos, delim, slots, slotLens, left);
+            pos += tokens.end;
+            slots += tokens.count;
+            slotLens += tokens.count;
+            left -= tokens.count;
+            if (tokens.isCutShort) status = zelStatusTruncatedWarning;
+            delimiters.goTo(pos);
+            continue;
+        }
+        const int end = delimiters.take();
         const int token = end - static_cast<int>(pos);
         const int copied = token <= room ? token : room;
         if (token > room) status = zelStatusTruncatedWarning;
-        slotLens[i] = copied;
-        copyElements(src + pos, slots[i], copied);
+        *slotLens = copied;
+        copyElements(src + pos, *slots, copied);
         // Past the delimiter; behind the last token there is none, and pos passes over the end.
         pos = ptrdiff_t{end} + 1;
+        ++slots;
+        ++slotLens;
+        --left;
     }
-    *numSlots = i;
+    *numSlots -= left;
     return pos < len ? zelStatusSplitIncompleteWarning : status;
 }
 
