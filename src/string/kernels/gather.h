@@ -18,16 +18,30 @@ namespace zel::ZEL_ISA {
 
 constexpr int kGroupPositions = kMaskBits * kernels::Gathered::kGroup;
 
-/// Places from the first position of a range on. `bitsOf(position, bits)` sets kGroup words of
-/// bits, one for each place among the positions from `position` on which are below `positions`, and
-/// says whether there are any. `len` is the length of the whole text, which is the answer to how
-/// far was searched when everything was.
+/// The processor reads ahead by itself, but only up to the end of a page. While nothing holds it
+/// up, to ask for more text than this, which bridges that, is in its way.
+constexpr int kBridge = 192;
+
+/// Asks for text that far ahead of where it is looked at. Behind the end of the text nothing comes
+/// of it.
+template <int kDistance>
+ZEL_INLINE void prefetchText(const Zel8u* block) {
+    __builtin_prefetch(block + kDistance);
+}
+
+/// Places in the text p from the first position of a range on. `bitsOf(position, bits)` sets kGroup
+/// words of bits, one for each place among the positions from `position` on which are below
+/// `positions`, and says whether there are any. `len` is the length of the whole text, which is the
+/// answer to how far was searched when everything was.
 template <typename BitsOf>
-ZEL_INLINE void gatherGroups(ptrdiff_t first, ptrdiff_t positions, int len, const BitsOf& bitsOf,
-                             kernels::Gathered* result) {
+ZEL_INLINE void gatherGroups(const Zel8u* p, ptrdiff_t first, ptrdiff_t positions, int len,
+                             const BitsOf& bitsOf, kernels::Gathered* result) {
     using kernels::Gathered;
     ptrdiff_t at = first;
-    while (at < positions && !bitsOf(at, result->bits)) at += kGroupPositions;
+    while (at < positions && !bitsOf(at, result->bits)) {
+        for (int k = 0; k < Gathered::kGroup; ++k) prefetchText<kBridge>(p + at + kMaskBits * k);
+        at += kGroupPositions;
+    }
     result->begin = static_cast<int>(at);
     int blocks = 0;
     for (int group = 0; group < result->groups && at < positions; ++group) {
@@ -50,17 +64,27 @@ ZEL_INLINE bool setGroup(uint64_t* bits, const BitsAt& bitsAt) {
     return any != 0;
 }
 
-/// Likewise, where `bitsAt(position, left)` gives the bits of 64 positions, of which `left` count.
+/// Sets the bits of the group at a position, `bitsAt(block, left)` being those of 64 positions, of
+/// which `left` count. Mostly all do, which is then nothing to ask of each block.
 template <typename BitsAt>
-ZEL_INLINE void gatherFrom(ptrdiff_t first, ptrdiff_t positions, int len, const BitsAt& bitsAt,
-                           kernels::Gathered* result) {
+ZEL_INLINE bool setGroupAt(ptrdiff_t at, ptrdiff_t positions, uint64_t* bits,
+                           const BitsAt& bitsAt) {
+    const ptrdiff_t left = positions - at;
+    if (left >= kGroupPositions) [[likely]] {
+        return setGroup(bits,
+                        [&](int k) { return bitsAt(at + kMaskBits * k, ptrdiff_t{kMaskBits}); });
+    }
+    return setGroup(bits, [&](int k) { return bitsAt(at + kMaskBits * k, left - kMaskBits * k); });
+}
+
+/// Likewise for all groups.
+template <typename BitsAt>
+ZEL_INLINE void gatherFrom(const Zel8u* p, ptrdiff_t first, ptrdiff_t positions, int len,
+                           const BitsAt& bitsAt, kernels::Gathered* result) {
     const auto bitsOf = [&](ptrdiff_t at, uint64_t* bits) {
-        return setGroup(bits, [&](int k) {
-            const ptrdiff_t block = at + kMaskBits * k;
-            return bitsAt(block, positions - block);
-        });
+        return setGroupAt(at, positions, bits, bitsAt);
     };
-    gatherGroups(first, positions, len, bitsOf, result);
+    gatherGroups(p, first, positions, len, bitsOf, result);
 }
 
 /// Where to begin, when the first place was found in another way, or none.
@@ -90,7 +114,7 @@ ZEL_INLINE void gatherLiteral(const Zel8u* p, int first, int len, int literalLen
         return setGroup(
             bits, [&](int k) { return bits[k] & both(offsets[1], middle, offsets[2], third, k); });
     };
-    gatherGroups(firstOr(first, positions), positions, len, bitsOf, result);
+    gatherGroups(p, firstOr(first, positions), positions, len, bitsOf, result);
 }
 
 template <typename Class>
@@ -99,7 +123,7 @@ ZEL_INLINE void gatherClass(const Zel8u* p, int len, const Class& members,
     const auto bitsAt = [&](ptrdiff_t at, ptrdiff_t left) {
         return memberBits(members, p + at, left);
     };
-    gatherFrom(firstOr(firstHit(p, len, members), len), len, len, bitsAt, result);
+    gatherFrom(p, firstOr(firstHit(p, len, members), len), len, len, bitsAt, result);
 }
 
 /// Up to `room` members of a set, in order; answers how many it has, or room + 1 when it has more.
@@ -133,7 +157,7 @@ ZEL_INLINE void gatherPair(const Zel8u* p, int len, const uint64_t* first, const
     const auto bitsAt = [&](ptrdiff_t at, ptrdiff_t left) {
         return memberBits(a, p + at, left) & memberBits(b, p + at + 1, left);
     };
-    gatherFrom(0, ptrdiff_t{len} - 1, len, bitsAt, result);
+    gatherFrom(p, 0, ptrdiff_t{len} - 1, len, bitsAt, result);
 }
 
 /// The first two probes, `first` and `second`, are asked of every block, the others where those
@@ -148,14 +172,14 @@ ZEL_INLINE void gatherShapeBy(const Class& first, const Class& second, const Zel
     static_assert(Shape::kMostProbes <= kMaskBits);
     const Shape::Probe* const probes = shape.probes;
     const ptrdiff_t positions = ptrdiff_t{len} - shape.length + 1;
+    const ptrdiff_t firstAt = probes[0].offset;
+    const ptrdiff_t secondAt = probes[1].offset;
     const auto bitsOf = [&](ptrdiff_t at, uint64_t* bits) {
-        const auto filter = [&](int k) {
-            const Zel8u* const block = p + at + kMaskBits * k;
-            const ptrdiff_t left = positions - at - kMaskBits * k;
-            return memberBits(first, block + probes[0].offset, left) &
-                   memberBits(second, block + probes[1].offset, left);
+        const auto filter = [&](ptrdiff_t block, ptrdiff_t left) {
+            return memberBits(first, p + block + firstAt, left) &
+                   memberBits(second, p + block + secondAt, left);
         };
-        if (!setGroup(bits, filter)) return false;
+        if (!setGroupAt(at, positions, bits, filter)) return false;
         uint64_t members[kBlocks];
         int set = -1;
         for (int i = 2; i < shape.probeCount; ++i) {
@@ -174,7 +198,7 @@ ZEL_INLINE void gatherShapeBy(const Class& first, const Class& second, const Zel
         }
         return setGroup(bits, [&](int k) { return bits[k]; });
     };
-    gatherGroups(0, positions, len, bitsOf, result);
+    gatherGroups(p, 0, positions, len, bitsOf, result);
 }
 
 ZEL_INLINE void gatherShape(const Zel8u* p, int len, const kernels::Shape& shape,
@@ -208,7 +232,7 @@ ZEL_INLINE void gatherDoubledIn(const Zel8u* p, int len, const uint64_t* set,
         const uint64_t doubled = doubledBits(p + at, left);
         return doubled != 0 ? doubled & memberBits(members, p + at, left) : 0;
     };
-    gatherFrom(0, ptrdiff_t{len} - 1, len, bitsAt, result);
+    gatherFrom(p, 0, ptrdiff_t{len} - 1, len, bitsAt, result);
 }
 
 #if defined(ZEL_ISA_AVX512)
@@ -366,7 +390,7 @@ ZEL_INLINE void gatherPrefixOfDepth(const Zel8u* p, int len, const kernels::Pref
         if (left >= kMaskBits && filter.likelyStarts(p + at) == 0) return uint64_t{0};
         return filter.starts(p + at, left);
     };
-    gatherFrom(0, ptrdiff_t{len} - kDepth + 1, len, bitsAt, result);
+    gatherFrom(p, 0, ptrdiff_t{len} - kDepth + 1, len, bitsAt, result);
 }
 
 ZEL_INLINE void gatherPrefix(const Zel8u* p, int len, const kernels::PrefixTables& prefix,

@@ -43,32 +43,23 @@ ZEL_INLINE Zel16u* writePlaces(uint64_t bits, int base, Zel16u* out) {
     return end;
 }
 
-/// Asks for text that far ahead of where it is looked at. Behind the end of the text nothing comes
-/// of it.
-template <int kDistance>
-ZEL_INLINE void prefetchText(const Zel8u* block) {
-    __builtin_prefetch(block + kDistance);
-}
-
 /// Where a match may start, `starts` says: after starts.begin(p, left), of the blocks from p on, of
 /// which `left` positions count, starts.likely(p, n) gives bits for the first n of the 64 positions
 /// at p, one block after the other, and starts.refine(p, left, bits) those of them to look at,
 /// which pays where there are many. What it reads first of a position is starts.ahead behind it.
 ///
 /// This goes on from where `starts` is, passes over blocks, two at a time, while they have none,
-/// and answers where it stopped. Nothing is stored meanwhile and nothing guessed wrong, so that the
-/// processor reads ahead by itself and far text comes as fast as it can be had. It is asked for
-/// only a little ahead: the processor's own reading ends with each page.
+/// and answers where it stopped. Nothing is stored meanwhile and nothing guessed wrong, so that far
+/// text comes as fast as it can be had.
 template <typename Starts>
 ZEL_INLINE ptrdiff_t passQuietText(const Zel8u* p, ptrdiff_t from, ptrdiff_t positions,
                                    Starts& starts) {
     constexpr int kBlocks = 2;
-    constexpr int kAhead = 192;
     for (; positions - from >= kBlocks * kMaskBits; from += kBlocks * kMaskBits) {
         uint64_t any = 0;
         for (int i = 0; i < kBlocks; ++i) {
             const Zel8u* const block = p + from + i * kMaskBits;
-            prefetchText<kAhead>(block + starts.ahead);
+            prefetchText<kBridge>(block + starts.ahead);
             any |= starts.likely(block, kMaskBits);
         }
         if (any != 0) break;
@@ -85,7 +76,7 @@ ZEL_INLINE int collectMatches(const Zel8u* p, ptrdiff_t positions, Starts starts
     constexpr int kBlocks = 64;
     constexpr ptrdiff_t kBatch = kMaskBits * kBlocks;
     constexpr int kMany = kBlocks / 4;  // blocks with likely starts, to be refined
-    // The processor does not read ahead while it is held up by wrong guesses.
+    // The processor does not read ahead by itself while it is held up by wrong guesses.
     constexpr int kAhead = 2048;
     constexpr int kRoom = 1024;  // for places
     uint64_t likely[kBlocks];
@@ -109,6 +100,7 @@ ZEL_INLINE int collectMatches(const Zel8u* p, ptrdiff_t positions, Starts starts
         };
         starts.begin(batch, left);
         ptrdiff_t at = 0;
+#pragma GCC unroll 2
         for (; left - at >= kMaskBits; at += kMaskBits) {
             prefetchText<kAhead>(batch + starts.ahead + at);
             look(batch + at, kMaskBits);
