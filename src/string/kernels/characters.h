@@ -179,6 +179,7 @@ struct MarkedSearch {
 
     ZEL_INLINE MarkedSearch(const Zel8u* p, int len, const kernels::CharacterPattern& thePattern)
         : text(p), pattern(thePattern) {
+        if (pattern.count < 1) __builtin_unreachable();  // there is a character
         size = static_cast<unsigned>(markWellFormed(p, len, pattern.sets, pattern.count, marks));
         isWhole = size == static_cast<unsigned>(len);
         for (unsigned word = 0; kMaskBits * word < size; ++word) candidates[word] = mayBe(0, word);
@@ -228,6 +229,7 @@ struct MarkedSearch {
             }
             int end = countTrailingZeros(stops);
             if (stops == 0) {  // where the last of these characters ends is not known yet
+                if (starts == 0) __builtin_unreachable();  // one begins right here
                 end = kMaskBits - 1 - countLeadingZeros(starts);
                 run ^= uint64_t{1} << end;
             }

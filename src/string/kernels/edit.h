@@ -5,6 +5,9 @@
 // a compress closes that of a removal, and a joint writes its delimiter and the piece behind it in
 // one store. All of it is loaded before anything is stored, which is only the same as copying part
 // after part where the ranges do not overlap, or the string is edited where it lies.
+//
+// A text is split by the bits of its delimiters, of one block after the other, from which token
+// after token is taken; only what is longer than some blocks is searched for its end by itself.
 #pragma once
 
 #include "string/kernels/block.h"
@@ -284,7 +287,7 @@ public:
         places_ &= places_ - 1;
         return at;
     }
-    /// Goes on from there, which may be the end or behind it.
+    /// Goes on from there, be it the end or behind it.
     ZEL_INLINE void goTo(ptrdiff_t at) {
         base_ = at - kBlock;
         places_ = 0;
@@ -299,7 +302,7 @@ private:
     ZEL_INLINE bool isInNextBlock() {
         base_ += kBlock;
         if (base_ >= len_) {
-            // No bit is the one behind the block: let that be the end.
+            // Where there is no bit, take() answers the position behind the block: the end.
             base_ = len_ - kBlock;
             return true;
         }
@@ -359,7 +362,7 @@ ZEL_INLINE ZelStatus splitElements(const T* src, int len, T delim, T* const* slo
         }
         const int end = delimiters.take();
         const int token = end - static_cast<int>(pos);
-        const int copied = token <= room ? token : room;
+        const int copied = least(token, room);
         if (token > room) status = zelStatusTruncatedWarning;
         *slotLens = copied;
         copyElements(src + pos, *slots, copied);
