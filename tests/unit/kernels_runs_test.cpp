@@ -376,6 +376,31 @@ TEST(LiteralKernels, CollectLiterals_BehindQuietText) {
     }
 }
 
+// In far text the search begins with text that may be quiet from the start; its first stretch ends
+// with a cache line, wherever that is, and matches lie across that end.
+TEST(LiteralKernels, CollectLiterals_BehindAQuietBeginning) {
+    const std::string literal = "xbbbbbbbbbbbbbbq";  // its rarest bytes are far apart
+    zel::kernels::LiteralSet set;
+    set.count = 1;
+    set.literals[0] = {reinterpret_cast<const Zel8u*>(literal.data()),
+                       static_cast<int>(literal.size())};
+    std::vector<Zel8u> text(600'000, '.');
+    for (int alignment = 0; alignment < 64; alignment += 13) {
+        const Zel8u* const p = text.data() + alignment;
+        const auto length = static_cast<int>(text.size()) - alignment;
+        for (int at = 4000; at < 4200; ++at) {
+            Zel8u* const place = text.data() + alignment + at;
+            std::copy(literal.begin(), literal.end(), place);
+            FOR_EACH_INSTANCE({
+                ZelRegExpFind found[2];
+                ASSERT_EQ((collectLiterals)(p, length, &set, found, 2), 1) << at;
+                ASSERT_EQ(found[0].pMatch - p, at);
+            });
+            std::fill_n(place, literal.size(), static_cast<Zel8u>('.'));
+        }
+    }
+}
+
 // What a literal begins with is compared apart from the rest of it.
 TEST(LiteralKernels, CollectLiterals_EachByteOfALongLiteralCounts) {
     std::mt19937 random(18);

@@ -315,8 +315,8 @@ private:
         uint64_t places = 0;
         if (left >= kBlock) {
             for (int i = 0; i < kVectors; ++i) {
-                const uint64_t found =
-                    equalBits(Vec<T>::load(block + i * kLanes), delim_.values[0]);
+                const uint64_t found = inGeneralRegister(
+                    equalBits(Vec<T>::load(block + i * kLanes), delim_.values[0]));
                 places |= found << (i * kLanes * Mask<T>::kStep);
             }
             return places;
@@ -344,7 +344,8 @@ ZEL_INLINE ZelStatus splitElements(const T* src, int len, T delim, T* const* slo
     Delimiters<T> delimiters(src, len, delim);
     ZelStatus status = zelStatusOk;
     ptrdiff_t pos = 0;
-    int left = *numSlots;
+    const int slotCount = *numSlots;
+    int left = slotCount;
     while (left > 0 && pos < len) {
         if (*slots == nullptr) return zelStatusNullPointer;
         const int room = *slotLens;
@@ -372,7 +373,7 @@ ZEL_INLINE ZelStatus splitElements(const T* src, int len, T delim, T* const* slo
         ++slotLens;
         --left;
     }
-    *numSlots -= left;
+    *numSlots = slotCount - left;
     return pos < len ? zelStatusSplitIncompleteWarning : status;
 }
 

@@ -18,8 +18,8 @@ namespace zel::ZEL_ISA {
 
 constexpr int kGroupPositions = kMaskBits * kernels::Gathered::kGroup;
 
-/// The processor reads ahead by itself, but only up to the end of a page. While nothing holds it
-/// up, to ask for more text than this, which bridges that, is in its way.
+/// The processor reads ahead by itself up to the end of a page. This distance bridges the gap
+/// there; a longer one only gets in its way.
 constexpr int kBridge = 192;
 
 /// Asks for text that far ahead of where it is looked at. Behind the end of the text nothing comes
@@ -77,7 +77,7 @@ ZEL_INLINE bool setGroupAt(ptrdiff_t at, ptrdiff_t positions, uint64_t* bits,
     return setGroup(bits, [&](int k) { return bitsAt(at + kMaskBits * k, left - kMaskBits * k); });
 }
 
-/// Likewise for all groups.
+/// Gathers with setGroupAt.
 template <typename BitsAt>
 ZEL_INLINE void gatherFrom(const Zel8u* p, ptrdiff_t first, ptrdiff_t positions, int len,
                            const BitsAt& bitsAt, kernels::Gathered* result) {

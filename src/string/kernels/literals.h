@@ -46,15 +46,18 @@ ZEL_INLINE Zel16u* writePlaces(uint64_t bits, int base, Zel16u* out) {
 /// Where a match may start, `starts` says: after starts.begin(p, left), of the blocks from p on, of
 /// which `left` positions count, starts.likely(p, n) gives bits for the first n of the 64 positions
 /// at p, one block after the other, and starts.refine(p, left, bits) those of them to look at,
-/// which pays where there are many. What it reads first of a position is starts.ahead behind it.
+/// which is asked only where there are many. What it reads first of a position is starts.ahead
+/// behind it.
 ///
-/// This goes on from where `starts` is, passes over blocks, two at a time, while they have none,
-/// and answers where it stopped. Nothing is stored meanwhile and nothing guessed wrong, so that far
-/// text comes as fast as it can be had.
+/// This passes over blocks, two at a time, while they have none, and answers where it stopped.
+/// Nothing is stored meanwhile and nothing guessed wrong, so that far text comes as fast as it can
+/// be had.
 template <typename Starts>
 ZEL_INLINE ptrdiff_t passQuietText(const Zel8u* p, ptrdiff_t from, ptrdiff_t positions,
                                    Starts& starts) {
     constexpr int kBlocks = 2;
+    // The last block of the first batch is mostly not a whole one.
+    starts.begin(p + from, positions - from);
     for (; positions - from >= kBlocks * kMaskBits; from += kBlocks * kMaskBits) {
         uint64_t any = 0;
         for (int i = 0; i < kBlocks; ++i) {
@@ -84,7 +87,8 @@ ZEL_INLINE int collectMatches(const Zel8u* p, ptrdiff_t positions, Starts starts
     int count = 0;
     const Zel8u* behind = p;  // the last match
     ptrdiff_t from = 0;
-    // The first batch ends with a cache line that is read, so that all others begin with one.
+    // The first batch ends with a whole vector that is read, on AVX-512 a cache line, so that all
+    // others begin with one.
     ptrdiff_t size = kBatch - kMaskBits + toBoundary(p + starts.ahead);
     while (from < positions) {
         const Zel8u* const batch = p + from;
