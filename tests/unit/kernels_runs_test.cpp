@@ -382,6 +382,7 @@ TEST(LiteralKernels, CollectLiterals_BehindAQuietBeginning) {
     const std::string literal = "xbbbbbbbbbbbbbbq";  // its rarest bytes are far apart
     zel::kernels::LiteralSet set;
     set.count = 1;
+    set.ignoreCase = false;
     set.literals[0] = {reinterpret_cast<const Zel8u*>(literal.data()),
                        static_cast<int>(literal.size())};
     std::vector<Zel8u> text(600'000, '.');
