@@ -233,8 +233,9 @@ ZEL_INLINE int copyToDelimiter(const T* src, int len, const EqualsAnyOf<T, 1>& d
     return static_cast<int>(at) + end;
 }
 
+/// Tokens that copyLongTokens has copied.
 struct LongTokens {
-    ptrdiff_t end;  // of the text they and their delimiters are; may be one behind the text's end
+    ptrdiff_t end;  // behind the last one's delimiter, which may be missing at the text's end
     int count;
     bool isCutShort;  // one of them
 };
@@ -244,7 +245,7 @@ struct LongTokens {
 template <typename T>
 [[gnu::noinline]] LongTokens copyLongTokens(const T* src, ptrdiff_t len, T delim, T* const* slots,
                                             int* slotLens, int slotCount) {
-    constexpr int kLong = 256;
+    constexpr int kLong = 256;  // shorter ones are better walked
     const auto test = EqualsAnyOf<T, 1>::of(&delim);
     ptrdiff_t end = 0;
     ptrdiff_t i = 0;

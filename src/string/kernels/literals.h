@@ -56,7 +56,7 @@ template <typename Starts>
 ZEL_INLINE ptrdiff_t passQuietText(const Zel8u* p, ptrdiff_t from, ptrdiff_t positions,
                                    Starts& starts) {
     constexpr int kBlocks = 2;
-    // The last block of the first batch is mostly not a whole one.
+    // Not every batch ends with a whole block: what is carried on from one that is not is wrong.
     starts.begin(p + from, positions - from);
     for (; positions - from >= kBlocks * kMaskBits; from += kBlocks * kMaskBits) {
         uint64_t any = 0;
